@@ -1,0 +1,43 @@
+# The one place that says how a library, a program and a test of this project are built.
+
+add_library(vornix_options INTERFACE)
+target_compile_options(vornix_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -ffunction-sections -fdata-sections -fvisibility=hidden)
+target_include_directories(vornix_options INTERFACE "${CMAKE_SOURCE_DIR}")
+find_package(Threads REQUIRED)
+target_link_libraries(vornix_options INTERFACE Threads::Threads)
+
+set(VORNIX_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+if(VORNIX_SANITIZE)
+  target_compile_options(vornix_options INTERFACE
+    -fsanitize=${VORNIX_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(vornix_options INTERFACE -fsanitize=${VORNIX_SANITIZE})
+endif()
+
+# vornix_library(NAME DEPENDS other libraries): every source of the folder, one static library.
+# Headers carry the interface; folders named in EXCLUDE are somebody else's.
+function(vornix_library name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS;EXCLUDE" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+  foreach(folder IN LISTS ARG_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX "^${CMAKE_CURRENT_SOURCE_DIR}/${folder}/")
+  endforeach()
+  if(NOT sources)
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE ${ARG_DEPENDS})
+    return()
+  endif()
+  add_library(${name} STATIC ${sources})
+  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE vornix_options)
+  target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>")
+endfunction()
+
+# A program that carries its own C++ runtime: loading the shared one costs more than all its work.
+function(vornix_lean_program name)
+  target_link_libraries(${name} PRIVATE vornix_options)
+  target_link_options(${name} PRIVATE -Wl,--gc-sections -Wl,--as-needed -Wl,-O1)
+  if(NOT VORNIX_SANITIZE)
+    target_link_options(${name} PRIVATE -static-libstdc++ -static-libgcc)
+  endif()
+endfunction()

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace vornix {
+
+// Runs blocks on worker threads of its own, in the order added, at most `maxConcurrent` at a time.
+// With 1, each block starts after the one before has returned. Threads are started when there is
+// work. An exception that leaves a block is reported as a diagnostic. Any thread.
+class NSOperationQueue {
+ public:
+  explicit NSOperationQueue(int maxConcurrentOperationCount);
+  NSOperationQueue(const NSOperationQueue&) = delete;
+  NSOperationQueue& operator=(const NSOperationQueue&) = delete;
+  // Drops the blocks not yet started and waits for those that are running.
+  ~NSOperationQueue();
+
+  void addOperation(std::function<void()> block);
+  [[nodiscard]] int maxConcurrentOperationCount() const;
+  // Blocks until everything added so far has run.
+  void waitUntilAllOperationsAreFinished();
+
+ private:
+  class State;
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace vornix
