@@ -1,0 +1,98 @@
+#!/usr/bin/python3
+"""Runs clang-tidy over the product's sources, and only over those that changed since they passed.
+
+A source is known by the contents of itself, of every project header it includes, of the checks and
+of its compile command; what has passed once under that name is not looked at again.
+"""
+
+import hashlib
+import json
+import os
+import shlex
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor, as_completed
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+PRODUCT = ("agent", "analytics", "settings", "logging", "locations", "fs", "foundation",
+           "platform", "tools")
+
+
+def product_commands(build):
+    """The compile commands of the product's own sources, one a source."""
+    commands = {}
+    for entry in json.loads((build / "compile_commands.json").read_text()):
+        source = Path(entry["directory"], entry["file"]).resolve()
+        if not source.is_relative_to(ROOT):
+            continue
+        if source.relative_to(ROOT).parts[0] in PRODUCT:
+            commands[source] = entry
+    return commands
+
+
+def recorded_headers(build):
+    """What the last build found each object to depend on, project headers only."""
+    listing = subprocess.run(["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True,
+                             check=True).stdout
+    headers, current = {}, None
+    for line in listing.splitlines():
+        if line.startswith("    "):
+            path = Path(build, line.strip()).resolve()
+            if current is not None and path.is_relative_to(ROOT):
+                headers[current].append(path)
+        elif ": #deps" in line:
+            current = line.split(": #deps")[0]
+            headers[current] = []
+    return headers
+
+
+def object_of(entry):
+    words = shlex.split(entry["command"])
+    return words[words.index("-o") + 1]
+
+
+def content_name(entry, headers, checks):
+    digest = hashlib.sha256(checks)
+    digest.update(entry["command"].encode())
+    for path in sorted(set(headers)):
+        digest.update(str(path.relative_to(ROOT)).encode())
+        digest.update(path.read_bytes() if path.exists() else b"gone")
+    return digest.hexdigest()
+
+
+def tidy(source, build):
+    run = subprocess.run(["clang-tidy", "--quiet", "-p", build, source], capture_output=True,
+                         text=True)
+    return run.returncode, run.stdout + ("" if run.returncode == 0 else run.stderr)
+
+
+def main():
+    build = (ROOT / sys.argv[1]).resolve()
+    passed = ROOT / "build" / "tidy-passed"
+    passed.mkdir(parents=True, exist_ok=True)
+    version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
+    checks = version + (ROOT / ".clang-tidy").read_bytes()
+    headers = recorded_headers(build)
+    due = {}
+    for source, entry in product_commands(build).items():
+        known = headers.get(object_of(entry), [])
+        name = content_name(entry, [source, *known], checks)
+        if not known or not (passed / name).exists():
+            due[source] = passed / name
+    failures = 0
+    with ThreadPoolExecutor(os.cpu_count()) as workers:
+        runs = {workers.submit(tidy, source, build): source for source in due}
+        for run in as_completed(runs):
+            status, output = run.result()
+            if status == 0:
+                due[runs[run]].touch()
+            else:
+                failures += 1
+                print(output, flush=True)
+    print(f"clang-tidy: {len(due)} sources looked at, {failures} with complaints")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
