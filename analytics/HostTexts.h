@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/desktop/NSScreen.h"
+#include "platform/system/NSProcessInfo.h"
+
+// Texts about the machine, as the tracker and the workspace both report them.
+namespace vornix {
+
+// "Vornix/VERSION (Macintosh; Intel Mac OS X MAJOR_MINOR_PATCH)".
+[[nodiscard]] std::string userAgentText(std::string_view applicationVersion,
+                                        const OperatingSystemVersion& system);
+
+using SizeProvider = std::function<std::optional<Size>()>;
+
+// "&sr=WxH&vp=WxH&ul=LANGUAGE": screen, main window and language. Each number is asked for afresh;
+// an absent size counts as zeros.
+[[nodiscard]] std::string systemInfoText(const SizeProvider& screen, const SizeProvider& window,
+                                         std::string_view language);
+
+// True for a version that names a beta: it holds the letter b, large or small.
+[[nodiscard]] bool isBetaVersion(std::string_view version);
+
+}  // namespace vornix
