@@ -140,7 +140,8 @@ class GTMLogger : public NSObject, public GTMLogWriter {
     logInternalFunc(function, format, &view, level);
   }
 
-  mutable std::recursive_mutex mutex_;
+  // Guards the three references for the moment of a copy or a swap, never while a part runs.
+  mutable std::mutex mutex_;
   std::shared_ptr<GTMLogWriter> writer_;
   std::shared_ptr<GTMLogFormatter> formatter_;
   std::shared_ptr<GTMLogFilter> filter_;

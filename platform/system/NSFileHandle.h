@@ -3,12 +3,19 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "platform/base/NSObject.h"
 
 namespace vornix {
+
+// What an operation on an open file throws when the system refuses it. Says why.
+class NSFileHandleOperationException : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 // An open file. Any thread; each operation is whole by itself.
 class NSFileHandle : public NSObject {
@@ -21,7 +28,8 @@ class NSFileHandle : public NSObject {
   [[nodiscard]] static std::shared_ptr<NSFileHandle> openForAppending(std::string_view path,
                                                                       std::uint32_t mode);
 
-  // All of the bytes, short writes repeated. Throws `NSFileHandleOperationException` on failure.
+  // All of the bytes, short writes repeated, with no other thread's bytes between them. Throws
+  // `NSFileHandleOperationException` on failure; a reader that has gone away is one, not a signal.
   virtual void writeData(std::string_view bytes) = 0;
 
   [[nodiscard]] std::string_view className() const override { return "NSFileHandle"; }

@@ -1,0 +1,152 @@
+#include "logging/GTMLogger.h"
+
+#include <utility>
+
+#include "logging/GTMFileHandleLogWriter.h"
+#include "logging/GTMLogFilters.h"
+#include "logging/GTMLogFormatters.h"
+#include "platform/base/Text.h"
+#include "platform/system/NSFileHandle.h"
+
+namespace vornix {
+namespace {
+
+struct SharedReference {
+  std::mutex mutex;
+  std::shared_ptr<GTMLogger> logger;
+};
+
+// Never destroyed: threads may log until the process ends.
+SharedReference& shared() {
+  static auto& reference = *new SharedReference;
+  return reference;
+}
+
+std::shared_ptr<GTMLogger> currentSharedLogger() {
+  const std::lock_guard lock(shared().mutex);
+  return shared().logger;
+}
+
+std::shared_ptr<GTMLogger> errorsOnlyLogger() {
+  return std::make_shared<GTMLogger>(
+      nullptr, nullptr, GTMLogMininumLevelFilter::createWithMinimumLevel(LogLevelError));
+}
+
+// What the standard logger is made of may itself have something to say, on this very thread.
+std::shared_ptr<GTMLogger> buildSharedLogger() {
+  static thread_local bool building = false;
+  if (building) return errorsOnlyLogger();
+  building = true;
+  auto logger = GTMLogger::standardLogger();
+  building = false;
+  return logger != nullptr ? logger : errorsOnlyLogger();
+}
+
+template <typename Part>
+std::shared_ptr<Part> readPart(std::mutex& mutex, const std::shared_ptr<Part>& part) {
+  const std::lock_guard lock(mutex);
+  return part;
+}
+
+// The old part ends after the lock is left, since its end may log.
+template <typename Part>
+void swapPart(std::mutex& mutex, std::shared_ptr<Part>& part, std::shared_ptr<Part>& replacement) {
+  const std::lock_guard lock(mutex);
+  part.swap(replacement);
+}
+
+std::optional<std::string_view> functionText(const char* function) {
+  if (function == nullptr || !text::isValidUtf8(function)) return std::nullopt;
+  return function;
+}
+
+}  // namespace
+
+GTMLogger::GTMLogger(std::shared_ptr<GTMLogWriter> writer,
+                     std::shared_ptr<GTMLogFormatter> formatter,
+                     std::shared_ptr<GTMLogFilter> filter) {
+  setWriter(std::move(writer));
+  setFormatter(std::move(formatter));
+  setFilter(std::move(filter));
+}
+
+std::shared_ptr<GTMLogger> GTMLogger::sharedLogger() {
+  if (auto logger = currentSharedLogger()) return logger;
+  // Built without the lock: its parts take locks of their own, under which others may log.
+  auto built = buildSharedLogger();
+  const std::lock_guard lock(shared().mutex);
+  if (shared().logger == nullptr) shared().logger = std::move(built);
+  return shared().logger;
+}
+
+void GTMLogger::setSharedLogger(std::shared_ptr<GTMLogger> logger) {
+  swapPart(shared().mutex, shared().logger, logger);
+}
+
+std::shared_ptr<GTMLogger> GTMLogger::loggerWithWriter(std::shared_ptr<GTMLogWriter> writer,
+                                                       std::shared_ptr<GTMLogFormatter> formatter,
+                                                       std::shared_ptr<GTMLogFilter> filter) {
+  return std::make_shared<GTMLogger>(std::move(writer), std::move(formatter), std::move(filter));
+}
+
+std::shared_ptr<GTMLogger> GTMLogger::logger() {
+  return std::make_shared<GTMLogger>();
+}
+
+std::shared_ptr<GTMLogWriter> GTMLogger::writer() const {
+  return readPart(mutex_, writer_);
+}
+
+std::shared_ptr<GTMLogFormatter> GTMLogger::formatter() const {
+  return readPart(mutex_, formatter_);
+}
+
+std::shared_ptr<GTMLogFilter> GTMLogger::filter() const {
+  return readPart(mutex_, filter_);
+}
+
+void GTMLogger::setWriter(std::shared_ptr<GTMLogWriter> writer) {
+  if (writer == nullptr) {
+    writer = std::make_shared<GTMFileHandleLogWriter>(NSFileHandle::fileHandleWithStandardOutput());
+  }
+  swapPart(mutex_, writer_, writer);
+}
+
+void GTMLogger::setFormatter(std::shared_ptr<GTMLogFormatter> formatter) {
+  if (formatter == nullptr) formatter = std::make_shared<GTMLogBasicFormatter>();
+  swapPart(mutex_, formatter_, formatter);
+}
+
+void GTMLogger::setFilter(std::shared_ptr<GTMLogFilter> filter) {
+  if (filter == nullptr) filter = std::make_shared<GTMLogNoFilter>();
+  swapPart(mutex_, filter_, filter);
+}
+
+void GTMLogger::logInternalFunc(const char* function, std::optional<std::string_view> format,
+                                const text::FormatArguments* arguments, LogLevel level) noexcept {
+  try {
+    const auto message =
+        formatter()->stringForFunc(functionText(function), format, arguments, level);
+    if (!message || !filter()->filterAllowsMessage(*message, level)) return;
+    writer()->logMessage(*message, level);
+    // NOLINTNEXTLINE(bugprone-empty-catch): a message that cannot be logged is lost, nothing else.
+  } catch (...) {
+  }
+}
+
+void GTMLogger::logMessage(std::string_view message, LogLevel level) {
+  switch (level) {
+    case LogLevelDebug:
+      return logDebug("%@", message);
+    case LogLevelInfo:
+      return logInfo("%@", message);
+    case LogLevelError:
+      return logError("%@", message);
+    case LogLevelAssert:
+      return logAssert("%@", message);
+    default:
+      return;
+  }
+}
+
+}  // namespace vornix

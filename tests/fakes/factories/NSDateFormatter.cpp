@@ -1,0 +1,17 @@
+#include "platform/system/NSDateFormatter.h"
+
+#include "tests/fakes/FakeDateFormatter.h"
+
+namespace vornix {
+
+bool& fakes::dateFormattersAreMissing() {
+  static bool missing = false;
+  return missing;
+}
+
+std::unique_ptr<NSDateFormatter> NSDateFormatter::formatterWithFormat(std::string_view pattern) {
+  if (fakes::dateFormattersAreMissing()) return nullptr;
+  return fakes::FakeDateFormatter::create(pattern);
+}
+
+}  // namespace vornix
