@@ -1,0 +1,31 @@
+#include "platform/linux/system/Account.h"
+
+#include <pwd.h>
+
+#include <cerrno>
+#include <vector>
+
+namespace vornix {
+namespace {
+
+std::string textOrEmpty(const char* text) {
+  return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+std::optional<Account> accountOfUser(uid_t user) {
+  constexpr std::size_t kLargestRecord = 1U << 20U;
+  for (std::size_t size = 1024; size <= kLargestRecord; size *= 4) {
+    std::vector<char> buffer(size);
+    passwd record{};
+    passwd* found = nullptr;
+    const int error = ::getpwuid_r(user, &record, buffer.data(), buffer.size(), &found);
+    if (error == ERANGE) continue;
+    if (error != 0 || found == nullptr) return std::nullopt;
+    return Account{textOrEmpty(record.pw_name), textOrEmpty(record.pw_dir)};
+  }
+  return std::nullopt;
+}
+
+}  // namespace vornix

@@ -1,0 +1,93 @@
+#include "platform/system/NSFileHandle.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <mutex>
+#include <string>
+
+#include "platform/base/NSError.h"
+#include "platform/linux/system/FileSignals.h"
+
+namespace vornix {
+namespace {
+
+[[noreturn]] void throwFailure(int errorNumber) {
+  throw NSFileHandleOperationException(posixError(errorNumber, "write").localizedDescription);
+}
+
+void waitUntilWritable(int descriptor) {
+  pollfd entry{descriptor, POLLOUT, 0};
+  ::poll(&entry, 1, -1);
+}
+
+class LinuxFileHandle final : public NSFileHandle {
+ public:
+  LinuxFileHandle(int descriptor, bool owned) : descriptor_(descriptor), owned_(owned) {}
+  ~LinuxFileHandle() override {
+    if (owned_) ::close(descriptor_);
+  }
+
+  void writeData(std::string_view bytes) override {
+    const std::lock_guard lock(mutex_);
+    const FileSignalsAsErrors guard;
+    while (!bytes.empty()) bytes.remove_prefix(writeSome(bytes));
+  }
+
+ private:
+  // The number of bytes that went out; 0 asks for another try.
+  [[nodiscard]] std::size_t writeSome(std::string_view bytes) const {
+    const auto written = ::write(descriptor_, bytes.data(), bytes.size());
+    if (written > 0) return static_cast<std::size_t>(written);
+    // A device that takes nothing and says nothing would be asked for ever.
+    if (written == 0) throwFailure(ENOSPC);
+    if (errno == EAGAIN || errno == EWOULDBLOCK) {
+      waitUntilWritable(descriptor_);
+    } else if (errno != EINTR) {
+      throwFailure(errno);
+    }
+    return 0;
+  }
+
+  std::mutex mutex_;
+  const int descriptor_;
+  const bool owned_;
+};
+
+// Opened without blocking, or a FIFO that nobody reads would hold the caller up for ever.
+int openWithoutWaiting(const std::string& path, std::uint32_t mode) {
+  constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  int descriptor = -1;
+  do {
+    descriptor = ::open(path.c_str(), kFlags, mode & 0xFFFFU);
+  } while (descriptor < 0 && errno == EINTR);
+  if (descriptor >= 0) ::fcntl(descriptor, F_SETFL, O_APPEND);
+  return descriptor;
+}
+
+std::shared_ptr<NSFileHandle> processHandle(int descriptor) {
+  return std::make_shared<LinuxFileHandle>(descriptor, false);
+}
+
+}  // namespace
+
+std::shared_ptr<NSFileHandle> NSFileHandle::fileHandleWithStandardOutput() {
+  static const auto& handle = *new std::shared_ptr<NSFileHandle>(processHandle(STDOUT_FILENO));
+  return handle;
+}
+
+std::shared_ptr<NSFileHandle> NSFileHandle::fileHandleWithStandardError() {
+  static const auto& handle = *new std::shared_ptr<NSFileHandle>(processHandle(STDERR_FILENO));
+  return handle;
+}
+
+std::shared_ptr<NSFileHandle> NSFileHandle::openForAppending(std::string_view path,
+                                                             std::uint32_t mode) {
+  if (path.find('\0') != std::string_view::npos) return nullptr;
+  const int descriptor = openWithoutWaiting(std::string(path), mode);
+  return descriptor >= 0 ? std::make_shared<LinuxFileHandle>(descriptor, true) : nullptr;
+}
+
+}  // namespace vornix

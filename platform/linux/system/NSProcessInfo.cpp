@@ -1,0 +1,119 @@
+#include "platform/system/NSProcessInfo.h"
+
+#include <sys/auxv.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <array>
+#include <charconv>
+#include <climits>
+#include <cstdlib>
+#include <utility>
+
+#include "platform/base/PathText.h"
+#include "platform/linux/system/Account.h"
+#include "platform/linux/system/LocaleEnvironment.h"
+
+namespace vornix {
+namespace {
+
+std::optional<std::string> variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+}
+
+std::string linkTarget(const char* path) {
+  std::array<char, PATH_MAX> buffer{};
+  const auto length = ::readlink(path, buffer.data(), buffer.size());
+  return length > 0 ? std::string(buffer.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+// The kernel marks a program whose file was replaced or removed while it runs.
+std::string withoutDeletedMark(std::string path) {
+  constexpr std::string_view kMark = " (deleted)";
+  if (path.ends_with(kMark) && ::access(path.c_str(), F_OK) != 0) {
+    path.resize(path.size() - kMark.size());
+  }
+  return path;
+}
+
+// What the program was started as, where there is no /proc.
+std::string pathOfStart() {
+  const auto* name = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+  if (name == nullptr) return {};
+  if (*name == '/') return name;
+  std::array<char, PATH_MAX> folder{};
+  return ::getcwd(folder.data(), folder.size()) != nullptr
+             ? text::appendingPathComponent(folder.data(), name)
+             : std::string();
+}
+
+std::string withoutTrailingSlashes(std::string path) {
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path;
+}
+
+// "6.1.0-18-amd64" gives 6, 1 and 0.
+OperatingSystemVersion parseRelease(std::string_view release) {
+  std::array<int, 3> numbers{};
+  for (int& number : numbers) {
+    const auto end = release.data() + release.size();
+    const auto parsed = std::from_chars(release.data(), end, number);
+    if (parsed.ec != std::errc() || parsed.ptr == end || *parsed.ptr != '.') break;
+    release.remove_prefix(static_cast<std::size_t>(parsed.ptr - release.data()) + 1);
+  }
+  return {numbers[0], numbers[1], numbers[2]};
+}
+
+class LinuxProcessInfo final : public NSProcessInfo {
+ public:
+  [[nodiscard]] std::string processName() const override {
+    return text::lastPathComponent(executablePath());
+  }
+
+  [[nodiscard]] std::int32_t processIdentifier() const override { return ::getpid(); }
+
+  [[nodiscard]] std::optional<std::string> environment(std::string_view name) const override {
+    if (name.empty() || name.find_first_of(std::string_view("=\0", 2)) != std::string_view::npos) {
+      return std::nullopt;
+    }
+    return variable(std::string(name).c_str());
+  }
+
+  [[nodiscard]] std::string userName() const override {
+    const auto account = accountOfUser(::getuid());
+    return account && !account->name.empty() ? account->name : std::to_string(::getuid());
+  }
+
+  [[nodiscard]] std::string homeDirectory() const override {
+    auto home = variable("HOME").value_or("");
+    if (!home.starts_with('/')) {
+      const auto account = accountOfUser(::getuid());
+      home = account && account->home.starts_with('/') ? account->home : "/";
+    }
+    return withoutTrailingSlashes(std::move(home));
+  }
+
+  [[nodiscard]] OperatingSystemVersion operatingSystemVersion() const override {
+    utsname names{};
+    return ::uname(&names) == 0 ? parseRelease(names.release) : OperatingSystemVersion();
+  }
+
+  [[nodiscard]] std::string executablePath() const override {
+    const auto path = linkTarget("/proc/self/exe");
+    return path.empty() ? pathOfStart() : withoutDeletedMark(path);
+  }
+
+  [[nodiscard]] std::vector<std::string> localeLanguages() const override {
+    return languagesOfEnvironment(variable);
+  }
+};
+
+}  // namespace
+
+const NSProcessInfo& NSProcessInfo::processInfo() {
+  static const LinuxProcessInfo& info = *new LinuxProcessInfo;
+  return info;
+}
+
+}  // namespace vornix
