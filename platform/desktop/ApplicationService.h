@@ -30,6 +30,8 @@ struct ApplicationLaunch {
   std::vector<std::string> files;
   std::vector<std::string> arguments;
   bool activate = true;
+  // Starts it even when it already runs.
+  bool newInstance = false;
 };
 
 // The applications of the desktop session. Main thread.
@@ -42,7 +44,8 @@ class ApplicationService {
   // The desktop entry of the application whose identifier is equal ignoring case; none when it is
   // not installed.
   [[nodiscard]] virtual std::optional<std::string> applicationPath(std::string_view identifier) = 0;
-  // Brings it to the front; true when it was asked.
+  // Brings it to the front; true when it was asked. A click that the desktop vouches for goes with
+  // the request.
   virtual bool activate(const RunningApplicationEntry& application) = 0;
   // Asks it to end; true when the request was sent.
   virtual bool terminate(const RunningApplicationEntry& application) = 0;

@@ -1,0 +1,70 @@
+#include "platform/base/FileUrl.h"
+
+#include "platform/base/Text.h"
+
+namespace vornix::text {
+namespace {
+
+constexpr std::string_view kScheme = "file://";
+constexpr std::string_view kLocalHost = "localhost";
+constexpr std::string_view kDigits = "0123456789ABCDEF";
+
+bool isPlain(char letter) {
+  const bool isLetter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
+  const bool isDigit = letter >= '0' && letter <= '9';
+  return isLetter || isDigit || std::string_view("-._~/").find(letter) != std::string_view::npos;
+}
+
+int valueOfDigit(char digit) {
+  const auto at = kDigits.find(asciiUppercase(std::string_view(&digit, 1)));
+  return at == std::string_view::npos ? -1 : static_cast<int>(at);
+}
+
+std::optional<std::string> withoutEscapes(std::string_view escaped) {
+  std::string bytes;
+  for (std::size_t i = 0; i < escaped.size(); ++i) {
+    if (escaped[i] != '%') {
+      bytes += escaped[i];
+      continue;
+    }
+    if (i + 2 >= escaped.size()) return std::nullopt;
+    const int high = valueOfDigit(escaped[i + 1]);
+    const int low = valueOfDigit(escaped[i + 2]);
+    const bool isBroken = high < 0 || low < 0 || (high == 0 && low == 0);
+    if (isBroken) return std::nullopt;
+    bytes += static_cast<char>(high * 16 + low);
+    i += 2;
+  }
+  return bytes;
+}
+
+}  // namespace
+
+std::optional<std::string> fileUrlWithPath(std::string_view path, bool isDirectory) {
+  if (!path.starts_with('/')) return std::nullopt;
+  std::string url(kScheme);
+  for (const char letter : path) {
+    if (isPlain(letter)) {
+      url += letter;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(letter);
+    url += '%';
+    url += kDigits[byte >> 4U];
+    url += kDigits[byte & 15U];
+  }
+  if (isDirectory && !url.ends_with('/')) url += '/';
+  return url;
+}
+
+std::optional<std::string> pathOfFileUrl(std::string_view url) {
+  if (!asciiEqualIgnoringCase(url.substr(0, kScheme.size()), kScheme)) return std::nullopt;
+  url.remove_prefix(kScheme.size());
+  if (url.starts_with(kLocalHost)) url.remove_prefix(kLocalHost.size());
+  if (!url.starts_with('/')) return std::nullopt;
+  auto path = withoutEscapes(url);
+  while (path && path->size() > 1 && path->ends_with('/')) path->pop_back();
+  return path;
+}
+
+}  // namespace vornix::text
