@@ -23,7 +23,8 @@ inline constexpr RunLoopMode NSRunLoopCommonModes = "kCFRunLoopCommonModes";
 using RunLoopModes = std::vector<RunLoopMode>;
 
 // Something outside the process that a loop waits for, such as a connection. All operations are
-// called on the loop's thread.
+// called on the loop's thread. A source is not served again from inside its own `perform`, however
+// often that runs the loop; what must go on there belongs into a block that `perform` queues.
 class RunLoopSource {
  public:
   virtual ~RunLoopSource() = default;
@@ -38,7 +39,8 @@ class RunLoopSource {
 
 // One thread's event loop. Blocks run in the order in which they were queued; timers in the order
 // of their dates. Re-entrant: a block, timer or source may run the loop again. An exception that
-// leaves a block ends with the block and is reported as a diagnostic.
+// leaves a block ends with the block and is reported as a diagnostic. With an empty list of modes
+// nothing is ever run: such a block is released at once.
 class NSRunLoop {
  public:
   using Block = std::function<void()>;
@@ -71,20 +73,23 @@ class NSRunLoop {
   // main thread's; not drained from inside a block of the main queue. Any thread.
   void dispatchMainQueue(Block block);
 
-  // Owning thread only. A source is served in the given modes until removed.
+  // A source is served in the given modes until removed; adding it again replaces its modes. Owning
+  // thread only.
   void addSource(std::shared_ptr<RunLoopSource> source,
                  const RunLoopModes& modes = {NSRunLoopCommonModes});
   void removeSource(const RunLoopSource& source);
 
+  // Owning thread only.
   void addCommonMode(RunLoopMode mode);
 
-  // One pass: returns after the first source, queued block or main-queue block was served, or at
-  // the wall-clock date; timers fire but do not end it. False, at once, when the mode has no
-  // source, block or timer. Owning thread only.
+  // One pass: returns after the first source, queued block or main-queue block was served, at the
+  // wall-clock date, or when its last timer has fired and nothing else is left to wait for; timers
+  // alone do not end it. False, at once, when the mode has no source, block or timer; the main
+  // thread's loop always has its main queue in the common modes. Owning thread only.
   bool runModeBeforeDate(RunLoopMode mode, Date limit);
 
   // Turns in the default mode until `stop`, sleeping when there is nothing to do. Owning thread
-  // only; may be nested, `stop` ends the innermost.
+  // only; may be nested, `stop` ends the innermost `run` once what it serves has returned.
   void run();
   void stop();
 
@@ -92,6 +97,9 @@ class NSRunLoop {
   // condition is asked after each thing served. Owning thread only.
   bool runUntil(const std::function<bool()>& done, double seconds,
                 RunLoopMode mode = NSDefaultRunLoopMode);
+
+  // What the loop sleeps on.
+  [[nodiscard]] EventWaiter& eventWaiter();
 
  private:
   class State;

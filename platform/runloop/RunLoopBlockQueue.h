@@ -1,0 +1,31 @@
+#pragma once
+
+#include <deque>
+#include <mutex>
+#include <optional>
+
+#include "platform/runloop/RunLoopModeSet.h"
+
+namespace vornix {
+
+// The blocks that wait for a loop, those of the main queue among them, in the order added. Any
+// thread.
+class RunLoopBlockQueue {
+ public:
+  struct Entry {
+    NSRunLoop::Block block;
+    RunLoopModeSet modes;
+    bool isOfMainQueue = false;
+  };
+
+  void push(Entry entry);
+  // The oldest block that may run in the mode; taken off the queue.
+  [[nodiscard]] std::optional<Entry> take(const RunningMode& mode, bool mayTakeMainQueue);
+  [[nodiscard]] bool hasBlock(const RunningMode& mode, bool mayTakeMainQueue) const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::deque<Entry> entries_;
+};
+
+}  // namespace vornix
