@@ -1,10 +1,10 @@
 #include "platform/system/NSProcessInfo.h"
 
-#include <sys/auxv.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <climits>
 #include <cstdlib>
@@ -37,17 +37,6 @@ std::string withoutDeletedMark(std::string path) {
   return path;
 }
 
-// What the program was started as, where there is no /proc.
-std::string pathOfStart() {
-  const auto* name = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
-  if (name == nullptr) return {};
-  if (*name == '/') return name;
-  std::array<char, PATH_MAX> folder{};
-  return ::getcwd(folder.data(), folder.size()) != nullptr
-             ? text::appendingPathComponent(folder.data(), name)
-             : std::string();
-}
-
 std::string withoutTrailingSlashes(std::string path) {
   while (path.size() > 1 && path.ends_with('/')) path.pop_back();
   return path;
@@ -68,7 +57,8 @@ OperatingSystemVersion parseRelease(std::string_view release) {
 class LinuxProcessInfo final : public NSProcessInfo {
  public:
   [[nodiscard]] std::string processName() const override {
-    return text::lastPathComponent(executablePath());
+    const auto path = executablePath();
+    return text::lastPathComponent(path.empty() ? program_invocation_name : path);
   }
 
   [[nodiscard]] std::int32_t processIdentifier() const override { return ::getpid(); }
@@ -100,8 +90,7 @@ class LinuxProcessInfo final : public NSProcessInfo {
   }
 
   [[nodiscard]] std::string executablePath() const override {
-    const auto path = linkTarget("/proc/self/exe");
-    return path.empty() ? pathOfStart() : withoutDeletedMark(path);
+    return withoutDeletedMark(linkTarget("/proc/self/exe"));
   }
 
   [[nodiscard]] std::vector<std::string> localeLanguages() const override {
