@@ -26,7 +26,8 @@ std::string userAgentText(std::string_view applicationVersion,
 }
 
 std::string systemInfoText(const SizeProvider& screen, const SizeProvider& window,
-                           std::string_view language) {
+                           const std::vector<std::string>& languages) {
+  const auto language = languages.empty() ? std::string("en") : languages.front();
   const auto screenWidth = widthOf(screen);
   const auto screenHeight = heightOf(screen);
   const auto windowWidth = widthOf(window);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/desktop/NSScreen.h"
 #include "platform/system/NSProcessInfo.h"
@@ -17,10 +18,10 @@ namespace vornix {
 
 using SizeProvider = std::function<std::optional<Size>()>;
 
-// "&sr=WxH&vp=WxH&ul=LANGUAGE": screen, main window and language. Each number is asked for afresh;
-// an absent size counts as zeros.
+// "&sr=WxH&vp=WxH&ul=LANGUAGE": screen, main window and the first language ("en" for an empty
+// list). Each number is asked for afresh; an absent size counts as zeros.
 [[nodiscard]] std::string systemInfoText(const SizeProvider& screen, const SizeProvider& window,
-                                         std::string_view language);
+                                         const std::vector<std::string>& languages);
 
 // True for a version that names a beta: it holds the letter b, large or small.
 [[nodiscard]] bool isBetaVersion(std::string_view version);

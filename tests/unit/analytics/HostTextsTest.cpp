@@ -17,19 +17,24 @@ TEST(HostTexts, NamesVersionAndSystemInTheUserAgent) {
 }
 
 TEST(HostTexts, WritesScreenWindowAndLanguage) {
-  EXPECT_EQ(systemInfoText(fixed(Size{1440, 900}), fixed(Size{800, 600}), "de-DE"),
+  EXPECT_EQ(systemInfoText(fixed(Size{1440, 900}), fixed(Size{800, 600}), {"de-DE", "fr"}),
             "&sr=1440x900&vp=800x600&ul=de-DE");
 }
 
 TEST(HostTexts, WritesZerosWithoutScreenOrMainWindowAndThenTheLanguage) {
-  EXPECT_EQ(systemInfoText(fixed(Size{1440, 900}), fixed(std::nullopt), "en"),
+  EXPECT_EQ(systemInfoText(fixed(Size{1440, 900}), fixed(std::nullopt), {"en"}),
             "&sr=1440x900&vp=0x0&ul=en");
-  EXPECT_EQ(systemInfoText(fixed(std::nullopt), fixed(std::nullopt), "en"), "&sr=0x0&vp=0x0&ul=en");
+  EXPECT_EQ(systemInfoText(fixed(std::nullopt), fixed(std::nullopt), {"en"}),
+            "&sr=0x0&vp=0x0&ul=en");
 }
 
 TEST(HostTexts, CutsFractionsTowardZeroAndSurvivesSizesThatAreNoIntegers) {
-  EXPECT_EQ(systemInfoText(fixed(Size{1439.9, -0.9}), fixed(Size{std::nan(""), 0}), "en"),
+  EXPECT_EQ(systemInfoText(fixed(Size{1439.9, -0.9}), fixed(Size{std::nan(""), 0}), {"en"}),
             "&sr=1439x0&vp=0x0&ul=en");
+}
+
+TEST(HostTexts, WritesEnglishForAnEmptyListOfLanguages) {
+  EXPECT_EQ(systemInfoText(fixed(std::nullopt), fixed(std::nullopt), {}), "&sr=0x0&vp=0x0&ul=en");
 }
 
 TEST(HostTexts, AsksForTheSizesAfreshForEachNumber) {
@@ -38,7 +43,7 @@ TEST(HostTexts, AsksForTheSizesAfreshForEachNumber) {
     ++next;
     return Size{next, next};
   };
-  EXPECT_EQ(systemInfoText(growing, growing, "en"), "&sr=2x3&vp=4x5&ul=en");
+  EXPECT_EQ(systemInfoText(growing, growing, {"en"}), "&sr=2x3&vp=4x5&ul=en");
 }
 
 TEST(HostTexts, TellsABetaByTheLetterInItsVersion) {
