@@ -16,9 +16,10 @@ if(VORNIX_SANITIZE)
 endif()
 
 # vornix_library(NAME DEPENDS other libraries): every source of the folder, one static library.
-# Headers carry the interface; folders named in EXCLUDE are somebody else's.
+# Headers carry the interface; folders named in EXCLUDE are somebody else's. OBJECTS makes it a bundle
+# of objects: layers below need what it holds, and an archive would have to stand behind all of them.
 function(vornix_library name)
-  cmake_parse_arguments(ARG "" "" "DEPENDS;EXCLUDE" ${ARGN})
+  cmake_parse_arguments(ARG "OBJECTS" "" "DEPENDS;EXCLUDE" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
   foreach(folder IN LISTS ARG_EXCLUDE)
     list(FILTER sources EXCLUDE REGEX "^${CMAKE_CURRENT_SOURCE_DIR}/${folder}/")
@@ -28,7 +29,11 @@ function(vornix_library name)
     target_link_libraries(${name} INTERFACE ${ARG_DEPENDS})
     return()
   endif()
-  add_library(${name} STATIC ${sources})
+  set(kind STATIC)
+  if(ARG_OBJECTS)
+    set(kind OBJECT)
+  endif()
+  add_library(${name} ${kind} ${sources})
   target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE vornix_options)
   target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>")
 endfunction()

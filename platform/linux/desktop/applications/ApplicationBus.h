@@ -33,6 +33,8 @@ class ApplicationBus {
   // The well-known names that have an owner.
   [[nodiscard]] virtual std::vector<std::string> ownedNames() = 0;
   [[nodiscard]] virtual std::optional<std::int32_t> processOwning(const std::string& name) = 0;
+  // The proof of the latest click, good for one use; empty when there is none.
+  [[nodiscard]] virtual std::string takeActivationToken() = 0;
   // Asks the application that owns this name to come to the front. `token` may be empty. True when
   // it answered.
   virtual bool activate(const std::string& name, const std::string& token) = 0;

@@ -146,4 +146,9 @@ Date ProcessTable::launchDate(const Process& process) const {
   return Date::fromUnixTime(boot + static_cast<double>(process.startTicks) / ticksPerSecond);
 }
 
+Date ProcessTable::launchDateOf(std::int32_t process) const {
+  const auto found = read(process);
+  return found ? launchDate(*found) : Date{};
+}
+
 }  // namespace vornix::desktop

@@ -35,6 +35,8 @@ class ProcessTable {
   [[nodiscard]] std::string executable(std::int32_t process) const;
   [[nodiscard]] std::string workingDirectory(std::int32_t process) const;
   [[nodiscard]] Date launchDate(const Process& process) const;
+  // The same by number; the reference date when there is no such process.
+  [[nodiscard]] Date launchDateOf(std::int32_t process) const;
 
  private:
   [[nodiscard]] std::string file(std::int32_t process, std::string_view name) const;
