@@ -56,6 +56,8 @@ class NSUserDefaults : public NSObject {
   [[nodiscard]] std::string_view className() const override { return "NSUserDefaults"; }
 
  private:
+  void setOwn(std::string_view key, const std::optional<Value>& value);
+
   std::string domain_;
   PreferencesStore& store_;
   NSNotificationCenter& center_;
@@ -63,6 +65,8 @@ class NSUserDefaults : public NSObject {
   std::vector<std::string> suites_;
   Dictionary registered_;
   Dictionary arguments_;
+  // The own domain of a program without an identifier.
+  Dictionary unsaved_;
 };
 
 }  // namespace vornix
