@@ -1,7 +1,6 @@
 #include "platform/runloop/DispatchGroup.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace vornix {
 namespace {
@@ -34,8 +33,12 @@ void DispatchGroup::wait() {
 }
 
 bool DispatchGroup::waitUntil(Date deadline) {
+  return waitUntil(timePoint(deadline));
+}
+
+bool DispatchGroup::waitUntil(system_clock::time_point deadline) {
   std::unique_lock lock(mutex_);
-  return changed_.wait_until(lock, timePoint(deadline), [this] { return entered_ == 0; });
+  return changed_.wait_until(lock, deadline, [this] { return entered_ == 0; });
 }
 
 }  // namespace vornix

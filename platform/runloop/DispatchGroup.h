@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -15,8 +16,9 @@ class DispatchGroup {
   void enter();
   void leave();
   void wait();
-  // Waits until the wall clock reaches the date at the most; true when nothing is left.
+  // Waits until the machine's wall clock reaches the date at the most; true when nothing is left.
   bool waitUntil(Date deadline);
+  bool waitUntil(std::chrono::system_clock::time_point deadline);
 
  private:
   std::mutex mutex_;
