@@ -18,6 +18,11 @@ namespace vornix {
 
 using SizeProvider = std::function<std::optional<Size>()>;
 
+// The main window of a program that has none.
+[[nodiscard]] inline std::optional<Size> noWindow() {
+  return std::nullopt;
+}
+
 // "&sr=WxH&vp=WxH&ul=LANGUAGE": screen, main window and the first language ("en" for an empty
 // list). Each number is asked for afresh; an absent size counts as zeros.
 [[nodiscard]] std::string systemInfoText(const SizeProvider& screen, const SizeProvider& window,
