@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/base/Text.h"
+#include "platform/preferences/NSUserDefaults.h"
 
 namespace vornix {
 namespace {
@@ -16,9 +17,9 @@ bool saysVerbose(std::string_view text) {
   return capitals.starts_with('Y') || capitals.starts_with('T') || text::integerValue(trimmed) != 0;
 }
 
-bool isVerbose(const NSProcessInfo& processInfo) {
+bool isVerbose(const NSProcessInfo& processInfo, const std::function<bool()>& verboseDefault) {
   const auto variable = processInfo.environment(kVerboseKey);
-  return variable && saysVerbose(*variable);
+  return variable ? saysVerbose(*variable) : verboseDefault();
 }
 
 // Every level from the first to the last; empty unless both are levels.
@@ -40,16 +41,34 @@ bool GTMLogNoFilter::filterAllowsMessage(std::string_view /*message*/, LogLevel 
   return true;
 }
 
-GTMLogLevelFilter::GTMLogLevelFilter(const NSProcessInfo& processInfo)
-    : verboseLoggingEnabled_(isVerbose(processInfo)) {}
+GTMLogLevelFilter::GTMLogLevelFilter(const NSProcessInfo& processInfo,
+                                     std::function<bool()> verboseDefault,
+                                     NSNotificationCenter& center)
+    : center_(center), verboseLoggingEnabled_(std::make_shared<std::atomic<bool>>(false)) {
+  const auto update = [enabled = verboseLoggingEnabled_, &processInfo,
+                       verboseDefault = std::move(verboseDefault)] {
+    *enabled = isVerbose(processInfo, verboseDefault);
+  };
+  observer_ = center_.addObserver(NSUserDefaultsDidChangeNotification,
+                                  [update](const NSNotification&) { update(); });
+  update();
+}
+
+GTMLogLevelFilter::~GTMLogLevelFilter() {
+  center_.removeObserver(observer_);
+}
 
 std::shared_ptr<GTMLogLevelFilter> GTMLogLevelFilter::create() {
-  return std::make_shared<GTMLogLevelFilter>(NSProcessInfo::processInfo());
+  const auto verboseDefault = [] {
+    return NSUserDefaults::standardUserDefaults()->boolForKey(kVerboseKey);
+  };
+  return std::make_shared<GTMLogLevelFilter>(NSProcessInfo::processInfo(), verboseDefault,
+                                             NSNotificationCenter::defaultCenter());
 }
 
 bool GTMLogLevelFilter::filterAllowsMessage(std::string_view /*message*/, LogLevel level) {
   if (level == LogLevelDebug) return false;
-  return level != LogLevelInfo || verboseLoggingEnabled_;
+  return level != LogLevelInfo || *verboseLoggingEnabled_;
 }
 
 std::shared_ptr<GTMLogAllowedLevelFilter> GTMLogAllowedLevelFilter::createWithAllowedLevels(

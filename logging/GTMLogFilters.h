@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -8,6 +9,7 @@
 
 #include "logging/GTMLogger.h"
 #include "platform/base/NSObject.h"
+#include "platform/runloop/NSNotificationCenter.h"
 #include "platform/system/NSProcessInfo.h"
 
 namespace vornix {
@@ -20,11 +22,16 @@ class GTMLogNoFilter : public NSObject, public GTMLogFilter {
 };
 
 // Drops debug messages always, info messages unless logging is verbose. Verbose says the
-// environment's "GTMVerboseLogging" ("yes", "true" or a number other than 0, by its start).
+// environment's "GTMVerboseLogging" (by its start: "y", "t" or a number other than 0), or where the
+// environment has none the user default of that name; looked up at once and again whenever the user
+// defaults change.
 class GTMLogLevelFilter : public NSObject, public GTMLogFilter {
  public:
-  // The process information must outlive the filter.
-  explicit GTMLogLevelFilter(const NSProcessInfo& processInfo);
+  // `verboseDefault` answers the user default; asked only where the environment says nothing, on
+  // the thread that changes the defaults. Process information and centre must outlive the filter.
+  GTMLogLevelFilter(const NSProcessInfo& processInfo, std::function<bool()> verboseDefault,
+                    NSNotificationCenter& center);
+  ~GTMLogLevelFilter() override;
   // With the process's own services.
   [[nodiscard]] static std::shared_ptr<GTMLogLevelFilter> create();
 
@@ -32,7 +39,10 @@ class GTMLogLevelFilter : public NSObject, public GTMLogFilter {
   [[nodiscard]] std::string_view className() const override { return "GTMLogLevelFilter"; }
 
  private:
-  std::atomic<bool> verboseLoggingEnabled_;
+  NSNotificationCenter& center_;
+  // Shared with an observer that may still be running when the filter ends.
+  std::shared_ptr<std::atomic<bool>> verboseLoggingEnabled_;
+  NSNotificationCenter::ObserverToken observer_;
 };
 
 // Lets the levels of a set pass.

@@ -32,13 +32,8 @@ std::shared_ptr<GTMLogger> errorsOnlyLogger() {
       nullptr, nullptr, GTMLogMininumLevelFilter::createWithMinimumLevel(LogLevelError));
 }
 
-// What the standard logger is made of may itself have something to say, on this very thread.
 std::shared_ptr<GTMLogger> buildSharedLogger() {
-  static thread_local bool building = false;
-  if (building) return errorsOnlyLogger();
-  building = true;
   auto logger = GTMLogger::standardLogger();
-  building = false;
   return logger != nullptr ? logger : errorsOnlyLogger();
 }
 
@@ -71,9 +66,14 @@ GTMLogger::GTMLogger(std::shared_ptr<GTMLogWriter> writer,
 }
 
 std::shared_ptr<GTMLogger> GTMLogger::sharedLogger() {
+  static thread_local bool building = false;
   if (auto logger = currentSharedLogger()) return logger;
+  // What the standard logger is made of may itself have something to say, on this very thread.
+  if (building) return errorsOnlyLogger();
   // Built without the lock: its parts take locks of their own, under which others may log.
+  building = true;
   auto built = buildSharedLogger();
+  building = false;
   const std::lock_guard lock(shared().mutex);
   if (shared().logger == nullptr) shared().logger = std::move(built);
   return shared().logger;

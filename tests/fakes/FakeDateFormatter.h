@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -24,5 +25,7 @@ class FakeDateFormatter final : public NSDateFormatter {
 
 // While true, no date formatter can be made on the fake platform.
 bool& dateFormattersAreMissing();
+// What happens first when one is made there.
+std::function<void()>& beforeDateFormatter();
 
 }  // namespace vornix::fakes

@@ -42,12 +42,12 @@ std::vector<FakeSystemLog::Record> FakeSystemLog::records() const {
   return records_;
 }
 
-int FakeSystemLog::opened() const {
+int FakeSystemLog::openedClients() const {
   const std::lock_guard lock(mutex_);
   return opened_;
 }
 
-int FakeSystemLog::open() const {
+int FakeSystemLog::openClients() const {
   const std::lock_guard lock(mutex_);
   return open_;
 }

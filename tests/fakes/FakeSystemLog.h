@@ -25,8 +25,8 @@ class FakeSystemLog {
   void setReachable(bool reachable);
   [[nodiscard]] std::vector<Record> records() const;
   // Clients opened so far, and those of them still open.
-  [[nodiscard]] int opened() const;
-  [[nodiscard]] int open() const;
+  [[nodiscard]] int openedClients() const;
+  [[nodiscard]] int openClients() const;
 
  private:
   class Client;
