@@ -1,0 +1,105 @@
+#include "tests/support/ChildProcess.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <stdexcept>
+#include <string_view>
+
+namespace vornix::tests {
+namespace {
+
+std::string findProgram(const std::string& name) {
+  if (name.find('/') != std::string::npos) {
+    return name;
+  }
+  const char* path = getenv("PATH");
+  std::string_view folders = path != nullptr ? path : "";
+  const std::string all = std::string(folders) + ":/usr/local/sbin:/usr/sbin:/sbin";
+  std::size_t begin = 0;
+  while (begin <= all.size()) {
+    const std::size_t end = std::min(all.find(':', begin), all.size());
+    std::string candidate = all.substr(begin, end - begin) + "/" + name;
+    if (access(candidate.c_str(), X_OK) == 0) {
+      return candidate;
+    }
+    begin = end + 1;
+  }
+  throw std::runtime_error("no program " + name);
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+  std::vector<char*> result;
+  for (std::string& text : texts) {
+    result.push_back(text.data());
+  }
+  result.push_back(nullptr);
+  return result;
+}
+
+std::vector<std::string> environmentWith(const std::vector<std::string>& variables) {
+  std::vector<std::string> all = variables;
+  for (char** each = environ; *each != nullptr; ++each) {
+    all.emplace_back(*each);
+  }
+  return all;
+}
+
+// Between fork and exec: nothing that allocates.
+void become(const char* program, char* const* arguments, char* const* variables,
+            const std::vector<ChildProcess::Descriptor>& descriptors) {
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  for (const auto& [here, there] : descriptors) {
+    if (here == there) {
+      fcntl(here, F_SETFD, 0);
+    } else {
+      dup2(here, there);
+    }
+  }
+  execve(program, arguments, variables);
+  _exit(127);
+}
+
+}  // namespace
+
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
+                           const std::vector<Descriptor>& descriptors,
+                           const std::vector<std::string>& variables) {
+  const std::string program = findProgram(arguments.at(0));
+  std::vector<std::string> words = arguments;
+  std::vector<std::string> environment = environmentWith(variables);
+  const std::vector<char*> wordPointers = pointers(words);
+  const std::vector<char*> environmentPointers = pointers(environment);
+  pid_ = fork();
+  if (pid_ == 0) {
+    become(program.c_str(), wordPointers.data(), environmentPointers.data(), descriptors);
+  }
+  if (pid_ < 0) {
+    throw std::runtime_error("cannot start " + program);
+  }
+}
+
+ChildProcess::~ChildProcess() {
+  terminate();
+}
+
+void ChildProcess::terminate() {
+  if (pid_ > 0) {
+    kill(pid_, SIGTERM);
+    wait();
+  }
+}
+
+int ChildProcess::wait() {
+  int status = 0;
+  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+  }
+  pid_ = -1;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace vornix::tests
