@@ -17,7 +17,7 @@ class NSScreen {
   // Of the main screen, in pixels; none without one.
   [[nodiscard]] virtual std::optional<Size> mainScreenSize() const = 0;
 
-  // Asks the display server when first used. Never destroyed.
+  // Asks the display server once, when first used, and waits for it 2 s at most. Never destroyed.
   [[nodiscard]] static const NSScreen& screens();
 };
 
