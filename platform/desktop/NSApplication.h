@@ -28,14 +28,22 @@ class NSApplication : public NSObject {
   [[nodiscard]] static NSApplication& sharedApplication();
 
   // Posts `NSApplicationWillTerminateNotification`, makes preferences durable, flushes output and
-  // ends the process with status 0 without returning. A test double returns.
+  // ends the process with status 0 without returning. Called again meanwhile, by an observer or on
+  // request from outside, it returns. A test double returns too.
   virtual void terminate(const NSObject* sender);
 
   [[nodiscard]] std::string_view className() const override { return "NSApplication"; }
+
+ private:
+  bool isTerminating_ = false;
 };
 
-// Makes the delegate, tells it that launching has finished, then runs the main loop. SIGTERM,
-// SIGINT and SIGHUP end the application as `terminate` does. Does not return in practice.
+// Asks for the launch information, makes the delegate, posts
+// `NSApplicationDidFinishLaunchingNotification`, then runs the main loop. The delegate observes the
+// announcement before everything that was registered since the call; what registers during the
+// announcement does not get it. "-Key value" arguments become preferences of this run. SIGTERM,
+// SIGINT and SIGHUP end the application as `terminate` does, also while a loop is nested, and at
+// the start of the main loop when they came before it. Does not return in practice.
 int NSApplicationMain(int argc, char** argv,
                       const std::function<std::shared_ptr<NSApplicationDelegate>()>& makeDelegate);
 

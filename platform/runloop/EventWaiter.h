@@ -7,7 +7,7 @@
 
 namespace vornix {
 
-// A descriptor that a wait also ends on.
+// A descriptor that a wait also ends on; a negative one never does.
 struct WaitHandle {
   int descriptor = -1;
   bool wantsRead = true;

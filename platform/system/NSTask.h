@@ -10,7 +10,8 @@
 namespace vornix {
 
 // A child process. Inherits the environment, working directory and standard descriptors, no other
-// descriptor. Owning thread only.
+// descriptor; signals are unblocked and do what they do by default. It goes on when the task is
+// destroyed. Owning thread only.
 class NSTask {
  public:
   virtual ~NSTask() = default;
@@ -23,6 +24,7 @@ class NSTask {
   virtual void waitUntilExit() = 0;
   // The exit status; for a child ended by a signal 128 plus its number. None before it has ended.
   [[nodiscard]] virtual std::optional<int> terminationStatus() const = 0;
+  // 0 before it was launched.
   [[nodiscard]] virtual int processIdentifier() const = 0;
 };
 

@@ -4,6 +4,7 @@
 #include <sys/eventfd.h>
 #include <sys/timerfd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cmath>
@@ -33,6 +34,10 @@ timespec roundedUp(double seconds) {
   const auto wholeSeconds = static_cast<time_t>(whole);
   if (nanoseconds >= 1000000000L) return {wholeSeconds + 1, 0};
   return {wholeSeconds, nanoseconds};
+}
+
+bool hasDescriptor(std::span<const WaitHandle> handles) {
+  return std::ranges::any_of(handles, [](const auto& handle) { return handle.descriptor >= 0; });
 }
 
 // A timer that makes its descriptor readable: half as late as the time limit of a `poll`.
@@ -88,7 +93,7 @@ std::vector<std::size_t> LinuxEventWaiter::wait(std::optional<double> deadline,
   int expected = Idle;
   const bool wasWoken = !phase_.compare_exchange_strong(expected, Waiting);
   std::vector<std::size_t> ready;
-  if (!handles.empty() || !(isOver || wasWoken)) {
+  if (hasDescriptor(handles) || !(isOver || wasWoken)) {
     const bool mustNotBlock = isOver || wasWoken;
     fill(deadline, handles, mustNotBlock);
     while (ready.empty()) {
