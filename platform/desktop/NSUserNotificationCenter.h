@@ -13,6 +13,7 @@ class NSUserNotificationCenter;
 class NSUserNotificationCenterDelegate {
  public:
   virtual ~NSUserNotificationCenterDelegate() = default;
+  // Asked for each notification before it is shown; one that is refused is not.
   virtual bool userNotificationCenterShouldPresentNotification(
       NSUserNotificationCenter& center, const NSUserNotification& notification) = 0;
   // A click on the notification's body or on its action button.

@@ -22,7 +22,7 @@ namespace vornix {
   X(sd_bus_get_unique_name)           \
   X(sd_bus_is_open)                   \
   X(sd_bus_is_ready)                  \
-  X(sd_bus_match_signal)              \
+  X(sd_bus_add_match)                 \
   X(sd_bus_message_append_basic)      \
   X(sd_bus_message_at_end)            \
   X(sd_bus_message_close_container)   \

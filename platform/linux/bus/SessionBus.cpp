@@ -19,8 +19,19 @@ BusError localError(int number, std::string text) {
   return BusError{std::string(kBusErrorFailed), std::move(text), number};
 }
 
-const char* orNull(const std::string& text) {
-  return text.empty() ? nullptr : text.c_str();
+std::string matchRule(const BusSignalFilter& filter) {
+  std::string rule = "type='signal'";
+  const auto add = [&rule](const char* key, const std::string& value) {
+    if (!value.empty()) {
+      rule += std::string(",") + key + "='" + value + "'";
+    }
+  };
+  add("sender", filter.sender);
+  add("path", filter.path);
+  add("interface", filter.interface);
+  add("member", filter.member);
+  add("arg0", filter.firstArgument);
+  return rule;
 }
 
 }  // namespace
@@ -79,16 +90,13 @@ BusReply SessionBus::call(const BusMethod& method, const Writer& write) {
   return reply;
 }
 
-std::optional<BusError> SessionBus::callAsync(const BusMethod& method, const Writer& write,
-                                              ReplyHandler handler) {
+void SessionBus::callAsync(const BusMethod& method, const Writer& write, ReplyHandler handler) {
   BusMessage message;
   if (auto error = state_->newCall(method, write, message)) {
-    return error;
+    state_->answerLater(std::move(handler), *std::move(error));
+    return;
   }
-  const int result =
-      state_->sendWithReply(message, microseconds(method.timeout), std::move(handler));
-  return result < 0 ? std::optional(localError(-result, "the message could not be sent"))
-                    : std::nullopt;
+  state_->sendWithReply(message, microseconds(method.timeout), std::move(handler));
 }
 
 std::optional<BusError> SessionBus::emitSignal(const std::string& path,
@@ -137,9 +145,8 @@ BusRegistration SessionBus::subscribe(const BusSignalFilter& filter, SignalHandl
   auto registration = std::make_shared<State::Registration>(state_);
   registration->signalHandler = std::move(handler);
   sd_bus_slot* slot = nullptr;
-  if (sdBus().sd_bus_match_signal(state_->bus(), &slot, orNull(filter.sender), orNull(filter.path),
-                                  orNull(filter.interface), orNull(filter.member),
-                                  &State::signalArrived, registration.get()) < 0) {
+  if (sdBus().sd_bus_add_match(state_->bus(), &slot, matchRule(filter).c_str(),
+                               &State::signalArrived, registration.get()) < 0) {
     return nullptr;
   }
   registration->slot = slot;

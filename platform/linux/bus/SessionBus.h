@@ -80,10 +80,11 @@ struct BusOperation {
 
 // Which signals to listen to; empty fields match anything.
 struct BusSignalFilter {
-  std::string sender;
-  std::string path;
-  std::string interface;
-  std::string member;
+  std::string sender{};
+  std::string path{};
+  std::string interface{};
+  std::string member{};
+  std::string firstArgument{};
 };
 
 // Keeps a subscription or an object on the bus; dropping it ends that, and no handler is called
@@ -123,10 +124,9 @@ class SessionBus {
 
   // These connect first. A blocking call does not turn the run loop.
   [[nodiscard]] BusReply call(const BusMethod& method, const Writer& write = {});
-  // The handler is called once, from the run loop, also when the connection breaks; not when the
-  // call could not be sent (the answer is then the error).
-  [[nodiscard]] std::optional<BusError> callAsync(const BusMethod& method, const Writer& write,
-                                                  ReplyHandler handler);
+  // The handler is called exactly once, from the run loop, also when the call cannot be sent or the
+  // connection breaks.
+  void callAsync(const BusMethod& method, const Writer& write, ReplyHandler handler);
   [[nodiscard]] std::optional<BusError> emitSignal(const std::string& path,
                                                    const std::string& interface,
                                                    const std::string& member, const Writer& write);

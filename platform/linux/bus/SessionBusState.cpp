@@ -176,9 +176,8 @@ void SessionBus::State::process() {
 
 void SessionBus::State::lose() {
   for (PendingCall& call : std::exchange(pendingCalls_, {})) {
-    work_.emplace_back([handler = std::move(call.handler)] {
-      handler({.message = {}, .error = BusError{std::string(kBusErrorNoReply), "connection lost"}});
-    });
+    answerLater(std::move(call.handler),
+                {std::string(kBusErrorNoReply), "the connection broke", ECONNRESET});
   }
   disconnect();
   for (const auto& weak : std::exchange(lostHandlers_, {})) {
@@ -191,7 +190,11 @@ void SessionBus::State::lose() {
       });
     }
   }
-  // Its source is gone, and we may be inside an operation that a handler must not interrupt.
+  runQueuedWorkSoon();
+}
+
+// For work that no arriving message announces, and that must not interrupt the present operation.
+void SessionBus::State::runQueuedWorkSoon() {
   loop_->performBlock([weak = weak_from_this()] {
     if (const auto self = weak.lock()) {
       self->runQueuedWork();
@@ -248,15 +251,23 @@ std::optional<BusError> SessionBus::State::newCall(const BusMethod& method, cons
   return std::nullopt;
 }
 
-int SessionBus::State::sendWithReply(const BusMessage& message, std::uint64_t timeout,
-                                     ReplyHandler handler) {
+void SessionBus::State::sendWithReply(const BusMessage& message, std::uint64_t timeout,
+                                      ReplyHandler handler) {
   pendingCalls_.push_back({this, std::move(handler)});
   const int result = sdBus().sd_bus_call_async(bus_, nullptr, message.get(), &State::replyArrived,
                                                &pendingCalls_.back(), timeout);
   if (result < 0) {
+    ReplyHandler unsent = std::move(pendingCalls_.back().handler);
     pendingCalls_.pop_back();
+    answerLater(std::move(unsent), describe({}, -result));
   }
-  return result;
+}
+
+void SessionBus::State::answerLater(ReplyHandler handler, BusError error) {
+  work_.emplace_back([handler = std::move(handler), error = std::move(error)] {
+    handler({.message = {}, .error = error});
+  });
+  runQueuedWorkSoon();
 }
 
 void SessionBus::State::addLostHandler(const std::shared_ptr<std::function<void()>>& handler) {

@@ -48,8 +48,8 @@ class SessionBus::State : public std::enable_shared_from_this<SessionBus::State>
   // Connects when needed and writes the call into `message`.
   [[nodiscard]] std::optional<BusError> newCall(const BusMethod& method, const Writer& write,
                                                 BusMessage& message);
-  [[nodiscard]] int sendWithReply(const BusMessage& message, std::uint64_t timeout,
-                                  ReplyHandler handler);
+  void sendWithReply(const BusMessage& message, std::uint64_t timeout, ReplyHandler handler);
+  void answerLater(ReplyHandler handler, BusError error);
   void addLostHandler(const std::shared_ptr<std::function<void()>>& handler);
 
   static int signalArrived(sd_bus_message* message, void* registration, sd_bus_error* error);
@@ -68,6 +68,7 @@ class SessionBus::State : public std::enable_shared_from_this<SessionBus::State>
   [[nodiscard]] int waitUntilReady() const;
   void lose();
   void runQueuedWork();
+  void runQueuedWorkSoon();
 
   std::shared_ptr<NSRunLoop> loop_;
   sd_bus* bus_ = nullptr;
