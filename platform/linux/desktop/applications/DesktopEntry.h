@@ -9,17 +9,17 @@ namespace vornix::desktop {
 // What one ".desktop" file says about an application.
 struct DesktopEntry {
   // The file's name below its application folder, without suffix, "-" for "/".
-  std::string identifier;
-  std::string path;
+  std::string identifier{};
+  std::string path{};
   // In the user's language.
-  std::string name;
-  std::string icon;
+  std::string name{};
+  std::string icon{};
   // The command line as written; empty when there is none.
-  std::string exec;
+  std::string exec{};
   // A program without which the application does not count as installed; may be empty.
-  std::string tryExec;
+  std::string tryExec{};
   // Where it is to be started; empty for anywhere.
-  std::string workingDirectory;
+  std::string workingDirectory{};
   bool runsInTerminal = false;
   // The file stands for no application, and for none of the same identifier further down the
   // search order either.
