@@ -80,7 +80,7 @@ class WindowManager {
 
 class X11WindowActivationTest : public testing::Test {
  protected:
-  tests::VirtualDisplay display;
+  tests::VirtualDisplay display{320, 240};
   WindowManager manager{display.name()};
   std::unique_ptr<WindowActivation> activation = makeX11WindowActivation(display.name());
 };

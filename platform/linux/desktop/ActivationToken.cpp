@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+#include "platform/linux/bus/SessionBus.h"
+
 namespace vornix::desktop {
 namespace {
 
@@ -11,6 +13,10 @@ constexpr std::array<std::string_view, 2> kVariables{"XDG_ACTIVATION_TOKEN=",
                                                      "DESKTOP_STARTUP_ID="};
 
 }  // namespace
+
+std::string takeActivationTokenOfClick() {
+  return isMainThread() ? SessionBus::shared().takeActivationToken() : std::string();
+}
 
 std::string activationTokenOf(const std::vector<std::string>& environment) {
   for (const std::string_view start : kVariables) {

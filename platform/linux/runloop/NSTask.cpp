@@ -10,6 +10,7 @@
 #include <csignal>
 #include <limits>
 
+#include "platform/linux/desktop/ActivationToken.h"
 #include "platform/linux/system/FileDescriptor.h"
 #include "platform/runloop/NSRunLoop.h"
 
@@ -100,6 +101,27 @@ void keepStatusOfChildren() {
   }
 }
 
+// Ours; after a click, with the proof of it: a program that the click is to bring up needs that to
+// come to the front.
+class ChildEnvironment {
+ public:
+  ChildEnvironment() {
+    const std::string token = desktop::takeActivationTokenOfClick();
+    if (token.empty()) return;
+    for (char** variable = environ; *variable != nullptr; ++variable)
+      variables_.emplace_back(*variable);
+    variables_ = desktop::environmentWithActivationToken(std::move(variables_), token);
+    for (std::string& variable : variables_) pointers_.push_back(variable.data());
+    pointers_.push_back(nullptr);
+  }
+
+  [[nodiscard]] char* const* get() const { return pointers_.empty() ? environ : pointers_.data(); }
+
+ private:
+  std::vector<std::string> variables_;
+  std::vector<char*> pointers_;
+};
+
 bool hasZeroByte(const std::string& text) {
   return text.find('\0') != std::string::npos;
 }
@@ -130,7 +152,7 @@ std::optional<NSError> LinuxTask::launch(const std::string& path,
   argv.push_back(nullptr);
   pid_t pid = 0;
   const int error = posix_spawn(&pid, path.c_str(), SpawnActions().get(), SpawnAttributes().get(),
-                                argv.data(), environ);
+                                argv.data(), ChildEnvironment().get());
   if (error != 0) return posixError(error, path);
   child_ = std::make_shared<Child>(pid);
   return std::nullopt;

@@ -6,6 +6,7 @@
 
 #include "platform/base/Text.h"
 #include "platform/linux/bus/SessionBus.h"
+#include "platform/linux/desktop/ActivationToken.h"
 
 namespace vornix::desktop {
 namespace {
@@ -144,7 +145,7 @@ class SessionApplicationBus final : public ApplicationBus {
     return process ? std::optional(static_cast<std::int32_t>(*process)) : std::nullopt;
   }
 
-  [[nodiscard]] std::string takeActivationToken() override { return bus_.takeActivationToken(); }
+  [[nodiscard]] std::string takeActivationToken() override { return takeActivationTokenOfClick(); }
 
   bool activate(const std::string& name, const std::string& token) override {
     const BusMethod method{.destination = name,

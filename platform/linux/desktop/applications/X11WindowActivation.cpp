@@ -19,7 +19,6 @@ namespace {
   X(xcb_connect)                   \
   X(xcb_connection_has_error)      \
   X(xcb_disconnect)                \
-  X(xcb_flush)                     \
   X(xcb_get_property)              \
   X(xcb_get_property_reply)        \
   X(xcb_get_property_value)        \
@@ -102,7 +101,9 @@ class Display {
     xcb_.xcb_send_event(connection_, 0, root_,
                         XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                         reinterpret_cast<const char*>(&event));
-    return xcb_.xcb_flush(connection_) > 0;
+    // Closing the connection at once could lose the request: an answer to a later one means that
+    // the server has taken it.
+    return atom("_NET_ACTIVE_WINDOW") != XCB_ATOM_NONE;
   }
 
  private:
