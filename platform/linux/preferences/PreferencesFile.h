@@ -1,0 +1,61 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/base/NSError.h"
+#include "platform/base/Value.h"
+#include "platform/linux/preferences/FileBytes.h"
+#include "platform/linux/preferences/PropertyList.h"
+
+namespace vornix {
+
+// How long a write waits for other programs, and what counts as too large to read.
+struct PreferencesLimits {
+  std::chrono::milliseconds lockPatience{5000};
+  std::size_t largestFile = kLargestPropertyListFile;
+};
+
+// One domain's property-list file. Any thread.
+class PreferencesFile {
+ public:
+  PreferencesFile(std::string path, const PreferencesLimits& limits)
+      : path_(std::move(path)), limits_(limits) {}
+
+  // As it stands now. Makes nothing.
+  [[nodiscard]] std::optional<Value> value(std::string_view key);
+  // None removes. Every other key stays as it is. A failed change is kept and stored with the next
+  // success; one that no property list can hold is refused.
+  std::optional<NSError> setValue(std::string_view key, const std::optional<Value>& value);
+  // Stores what is left, and makes what this object stored durable. False when either fails.
+  bool synchronize();
+
+ private:
+  // Unreadable: nothing but setting it aside helps. Unavailable: trying again may help.
+  enum class State { Unknown, Missing, Read, Unreadable, Unavailable };
+
+  void refresh();
+  void take(FileBytes file);
+  void reportTrouble(int error);
+  std::optional<NSError> storePending();
+  std::optional<NSError> replace(const std::string& target);
+  bool applyPending(void* root);
+  [[nodiscard]] NSError failure(int error) const;
+
+  const std::string path_;
+  const PreferencesLimits limits_;
+  std::mutex mutex_;
+  State state_ = State::Unknown;
+  int error_ = 0;
+  FileStamp stamp_;
+  PropertyListNode root_;
+  std::map<std::string, std::optional<Value>, std::less<>> pending_;
+  bool unflushed_ = false;
+};
+
+}  // namespace vornix
