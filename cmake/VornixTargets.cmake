@@ -5,6 +5,9 @@ target_compile_options(vornix_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
   -ffunction-sections -fdata-sections -fvisibility=hidden)
 target_include_directories(vornix_options INTERFACE "${CMAKE_SOURCE_DIR}")
+# The real platform comes as a bundle of objects: what a program does not reach is left out, and what
+# only that would need is not asked for.
+target_link_options(vornix_options INTERFACE -Wl,--gc-sections)
 find_package(Threads REQUIRED)
 target_link_libraries(vornix_options INTERFACE Threads::Threads)
 
@@ -41,7 +44,7 @@ endfunction()
 # A program that carries its own C++ runtime: loading the shared one costs more than all its work.
 function(vornix_lean_program name)
   target_link_libraries(${name} PRIVATE vornix_options)
-  target_link_options(${name} PRIVATE -Wl,--gc-sections -Wl,--as-needed -Wl,-O1)
+  target_link_options(${name} PRIVATE -Wl,--as-needed -Wl,-O1)
   if(NOT VORNIX_SANITIZE)
     target_link_options(${name} PRIVATE -static-libstdc++ -static-libgcc)
   endif()
