@@ -56,7 +56,7 @@ std::optional<Size> parseMode(std::string_view mode) {
 std::optional<Size> kernelDisplaySize(const std::string& folder) {
   std::optional<Size> dark;
   for (const std::string& name : sortedNames(folder)) {
-    const std::string display = folder + "/" + name;
+    const std::string display = text::join({folder, name}, "/");
     if (!says(display + "/status", "connected")) {
       continue;
     }
