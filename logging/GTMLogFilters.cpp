@@ -1,6 +1,7 @@
 #include "logging/GTMLogFilters.h"
 
 #include <string>
+#include <typeinfo>
 #include <utility>
 
 #include "platform/base/Text.h"
@@ -64,6 +65,11 @@ std::shared_ptr<GTMLogLevelFilter> GTMLogLevelFilter::create() {
   };
   return std::make_shared<GTMLogLevelFilter>(NSProcessInfo::processInfo(), verboseDefault,
                                              NSNotificationCenter::defaultCenter());
+}
+
+bool GTMLogLevelFilter::dropsLevel(LogLevel level) const {
+  // A subclass may let more pass.
+  return level == LogLevelDebug && typeid(*this) == typeid(GTMLogLevelFilter);
 }
 
 bool GTMLogLevelFilter::filterAllowsMessage(std::string_view /*message*/, LogLevel level) {

@@ -36,6 +36,7 @@ class GTMLogLevelFilter : public NSObject, public GTMLogFilter {
   [[nodiscard]] static std::shared_ptr<GTMLogLevelFilter> create();
 
   [[nodiscard]] bool filterAllowsMessage(std::string_view message, LogLevel level) override;
+  [[nodiscard]] bool dropsLevel(LogLevel level) const override;
   [[nodiscard]] std::string_view className() const override { return "GTMLogLevelFilter"; }
 
  private:

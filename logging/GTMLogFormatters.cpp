@@ -1,5 +1,6 @@
 #include "logging/GTMLogFormatters.h"
 
+#include <typeinfo>
 #include <utility>
 
 #include "platform/base/Text.h"
@@ -15,7 +16,25 @@ const void* threadIdentity() {
   return &identity;
 }
 
+// A subclass may do more than the class that it stems from.
+template <typename Formatter>
+bool isExactly(const Formatter& formatter) {
+  return typeid(formatter) == typeid(Formatter);
+}
+
 }  // namespace
+
+bool GTMLogBasicFormatter::onlyBuildsText() const {
+  return isExactly(*this);
+}
+
+bool GTMLogStandardFormatter::onlyBuildsText() const {
+  return isExactly(*this);
+}
+
+bool GTMLogASLFormatter::onlyBuildsText() const {
+  return isExactly(*this);
+}
 
 std::optional<std::string> GTMLogBasicFormatter::stringForFunc(
     std::optional<std::string_view> /*function*/, std::optional<std::string_view> format,

@@ -27,6 +27,7 @@ class GTMLogBasicFormatter : public NSObject, public GTMLogFormatter {
   // name or blanks as "(unknown)".
   [[nodiscard]] static std::string prettyNameForFunc(std::optional<std::string_view> function);
 
+  [[nodiscard]] bool onlyBuildsText() const override;
   [[nodiscard]] std::string_view className() const override { return "GTMLogBasicFormatter"; }
 };
 
@@ -46,6 +47,7 @@ class GTMLogStandardFormatter : public GTMLogBasicFormatter {
                                                          const text::FormatArguments* arguments,
                                                          LogLevel level) override;
 
+  [[nodiscard]] bool onlyBuildsText() const override;
   [[nodiscard]] std::string_view className() const override { return "GTMLogStandardFormatter"; }
 
  protected:
@@ -55,7 +57,7 @@ class GTMLogStandardFormatter : public GTMLogBasicFormatter {
  private:
   [[nodiscard]] std::string currentTime();
 
-  std::mutex dateFormatterMutex_;
+  std::recursive_mutex dateFormatterMutex_;
   std::unique_ptr<NSDateFormatter> dateFormatter_;
   std::string pname_;
   std::int32_t pid_;
@@ -70,6 +72,7 @@ class GTMLogASLFormatter : public GTMLogBasicFormatter {
                                                          const text::FormatArguments* arguments,
                                                          LogLevel level) override;
 
+  [[nodiscard]] bool onlyBuildsText() const override;
   [[nodiscard]] std::string_view className() const override { return "GTMLogASLFormatter"; }
 };
 

@@ -125,8 +125,10 @@ void GTMLogger::setFilter(std::shared_ptr<GTMLogFilter> filter) {
 void GTMLogger::logInternalFunc(const char* function, std::optional<std::string_view> format,
                                 const text::FormatArguments* arguments, LogLevel level) noexcept {
   try {
-    const auto message =
-        formatter()->stringForFunc(functionText(function), format, arguments, level);
+    const auto formatter = this->formatter();
+    // Nearly all messages are debug messages that the standard filter drops.
+    if (formatter->onlyBuildsText() && filter()->dropsLevel(level)) return;
+    const auto message = formatter->stringForFunc(functionText(function), format, arguments, level);
     if (!message || !filter()->filterAllowsMessage(*message, level)) return;
     writer()->logMessage(*message, level);
     // NOLINTNEXTLINE(bugprone-empty-catch): a message that cannot be logged is lost, nothing else.

@@ -38,6 +38,9 @@ class GTMLogFormatter {
   [[nodiscard]] virtual std::optional<std::string> stringForFunc(
       std::optional<std::string_view> function, std::optional<std::string_view> format,
       const text::FormatArguments* arguments, LogLevel level) = 0;
+  // True when that does nothing but build the text, so that it may be left out where a filter drops
+  // the message whatever it says.
+  [[nodiscard]] virtual bool onlyBuildsText() const { return false; }
 };
 
 // Decides whether a formatted message passes.
@@ -45,6 +48,8 @@ class GTMLogFilter {
  public:
   virtual ~GTMLogFilter() = default;
   [[nodiscard]] virtual bool filterAllowsMessage(std::string_view message, LogLevel level) = 0;
+  // True when it drops every message of the level without looking at the text.
+  [[nodiscard]] virtual bool dropsLevel(LogLevel /*level*/) const { return false; }
 };
 
 // A pipeline of formatter, filter and writer. Logging never throws into the caller. Any thread.

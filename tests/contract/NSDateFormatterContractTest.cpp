@@ -84,6 +84,7 @@ class LinuxDateFormatter : public testing::Test {
  protected:
   void SetUp() override {
     setZone("UTC");
+    tzset();
     for (const char* name : {"LC_ALL", "LC_TIME", "LANG"}) unsetenv(name);
   }
 };

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -237,6 +238,8 @@ TEST(LinuxFileHandle, RepeatsShortWritesUntilASlowReaderHasAll) {
 
 // Runs `action` in a child whose standard output is the descriptor; 0 when it said yes.
 int inChildWithOutput(int descriptor, const std::function<bool()>& action) {
+  // What is still in the buffer would be the child's too, and be written by it at its end.
+  std::fflush(stdout);
   const pid_t child = fork();
   if (child == 0) {
     std::signal(SIGPIPE, SIG_DFL);

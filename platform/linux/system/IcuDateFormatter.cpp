@@ -87,7 +87,6 @@ std::unique_ptr<NSDateFormatter> icuDateFormatter(std::string_view pattern,
                                                   const std::string& icuLocale, std::string* why) {
   const auto icu = Icu::load(why);
   if (!icu) return nullptr;
-  tzset();
   const auto units = text::utf16Units(pattern);
   UErrorCode error = U_ZERO_ERROR;
   auto* format = icu->open(UDAT_PATTERN, UDAT_PATTERN, icuLocale.c_str(), u"Etc/UTC", -1,

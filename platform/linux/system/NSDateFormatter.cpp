@@ -59,9 +59,7 @@ void appendField(std::string& text, const DateField& field, const std::tm& time,
 
 class GregorianDateFormatter final : public NSDateFormatter {
  public:
-  explicit GregorianDateFormatter(std::vector<DateField> fields) : fields_(std::move(fields)) {
-    tzset();
-  }
+  explicit GregorianDateFormatter(std::vector<DateField> fields) : fields_(std::move(fields)) {}
 
   [[nodiscard]] std::string stringFromDate(Date date) override {
     const auto rounded = roundToMilliseconds(date);
@@ -77,17 +75,49 @@ class GregorianDateFormatter final : public NSDateFormatter {
   std::vector<DateField> fields_;
 };
 
+// Loads ICU for the first date that is printed.
+class LocaleDateFormatter final : public NSDateFormatter {
+ public:
+  LocaleDateFormatter(std::string_view pattern, std::vector<DateField> fields,
+                      std::string icuLocale)
+      : pattern_(pattern),
+        icuLocale_(std::move(icuLocale)),
+        formatter_(std::make_unique<GregorianDateFormatter>(std::move(fields))) {}
+
+  [[nodiscard]] std::string stringFromDate(Date date) override {
+    if (!std::exchange(tried_, true)) tryIcu();
+    return formatter_->stringFromDate(date);
+  }
+
+ private:
+  // The diagnostic may itself become a line with a date, from this very formatter.
+  void tryIcu() {
+    std::string why;
+    if (auto formatter = icuDateFormatter(pattern_, icuLocale_, &why)) {
+      formatter_ = std::move(formatter);
+    } else {
+      reportDiagnostic("Dates are shown by the Gregorian calendar, since those of " + icuLocale_ +
+                       " are not available: " + why);
+    }
+  }
+
+  std::string pattern_;
+  std::string icuLocale_;
+  std::unique_ptr<NSDateFormatter> formatter_;
+  bool tried_ = false;
+};
+
 }  // namespace
 
 std::unique_ptr<NSDateFormatter> dateFormatterForLocale(std::string_view pattern,
                                                         std::string_view localeName) {
   auto fields = parseDatePattern(pattern);
   if (!fields) return nullptr;
-  if (const auto icuLocale = icuLocaleOfUnusualDates(parseLocaleName(localeName))) {
-    std::string why;
-    if (auto formatter = icuDateFormatter(pattern, *icuLocale, &why)) return formatter;
-    reportDiagnostic("Dates are shown by the Gregorian calendar, since those of " + *icuLocale +
-                     " are not available: " + why);
+  // Read now, not with the first date; what is printed later uses it.
+  tzset();
+  if (auto icuLocale = icuLocaleOfUnusualDates(parseLocaleName(localeName))) {
+    return std::make_unique<LocaleDateFormatter>(pattern, *std::move(fields),
+                                                 *std::move(icuLocale));
   }
   return std::make_unique<GregorianDateFormatter>(*std::move(fields));
 }

@@ -6,9 +6,11 @@
 #include <set>
 #include <thread>
 
+#include "logging/GTMLogFilters.h"
 #include "tests/fakes/FakeDateFormatter.h"
 #include "tests/fakes/FakeProcessInfo.h"
 #include "tests/fakes/FakeSystemClock.h"
+#include "tests/fakes/ScopedSharedLogger.h"
 
 namespace vornix {
 namespace {
@@ -116,6 +118,53 @@ TEST_F(GTMLogStandardFormatterTest, TellsThreadsApartByAStableValue) {
   std::thread([&] { there = threadField(); }).join();
   EXPECT_EQ(threadField(), here);
   EXPECT_NE(there, here);
+}
+
+class CountingDates final : public NSDateFormatter {
+ public:
+  explicit CountingDates(int& count) : count_(count) {}
+  std::string stringFromDate(Date /*date*/) override { return std::to_string(++count_); }
+
+ private:
+  int& count_;
+};
+
+TEST_F(GTMLogStandardFormatterTest, IsSparedTheWorkForMessagesThatTheStandardFilterDrops) {
+  int dates = 0;
+  NSNotificationCenter center;
+  const auto filter = std::make_shared<GTMLogLevelFilter>(
+      info_, [] { return true; }, center);
+  const auto formatter =
+      GTMLogStandardFormatter::create(std::make_unique<CountingDates>(dates), info_, clock_);
+  const auto logger =
+      GTMLogger::loggerWithWriter(std::make_shared<fakes::CapturingLogWriter>(), formatter, filter);
+  logger->logDebug("x");
+  EXPECT_EQ(dates, 0);
+  logger->logInfo("x");
+  EXPECT_EQ(dates, 1);
+}
+
+class CountingFormatter final : public GTMLogBasicFormatter {
+ public:
+  std::optional<std::string> stringForFunc(std::optional<std::string_view> function,
+                                           std::optional<std::string_view> format,
+                                           const text::FormatArguments* arguments,
+                                           LogLevel level) override {
+    ++count;
+    return GTMLogBasicFormatter::stringForFunc(function, format, arguments, level);
+  }
+  int count = 0;
+};
+
+TEST(GTMLogBasicFormatter, IsAskedForMessagesThatAreDroppedWhereASubclassMayDoMore) {
+  const fakes::FakeProcessInfo info;
+  NSNotificationCenter center;
+  const auto formatter = std::make_shared<CountingFormatter>();
+  GTMLogger::loggerWithWriter(nullptr, formatter,
+                              std::make_shared<GTMLogLevelFilter>(
+                                  info, [] { return false; }, center))
+      ->logDebug("x");
+  EXPECT_EQ(formatter->count, 1);
 }
 
 TEST(GTMLogASLFormatter, PrintsFunctionAndMessageAlone) {
