@@ -13,9 +13,11 @@ class NSObject::Observers {
     std::weak_ptr<NSObject> observer;
     const NSObject* identity;
     std::string keyPath;
+    bool isRemoved = false;
   };
 
-  std::vector<Entry> entries;
+  // Shared, so that a delivery going on sees a removal.
+  std::vector<std::shared_ptr<Entry>> entries;
 };
 
 NSObject::~NSObject() = default;
@@ -25,14 +27,19 @@ std::string NSObject::description() const {
 }
 
 void NSObject::addObserver(const std::shared_ptr<NSObject>& observer, std::string_view keyPath) {
+  if (!observer) return;
   if (!observers_) observers_ = std::make_shared<Observers>();
-  observers_->entries.push_back({observer, observer.get(), std::string(keyPath)});
+  std::erase_if(observers_->entries, [](const auto& entry) { return entry->observer.expired(); });
+  observers_->entries.push_back(std::make_shared<Observers::Entry>(
+      Observers::Entry{observer, observer.get(), std::string(keyPath)}));
 }
 
 void NSObject::removeObserver(const NSObject& observer, std::string_view keyPath) {
   if (!observers_) return;
-  std::erase_if(observers_->entries, [&](const Observers::Entry& entry) {
-    return entry.identity == &observer && entry.keyPath == keyPath;
+  std::erase_if(observers_->entries, [&](const auto& entry) {
+    const bool matches = entry->identity == &observer && entry->keyPath == keyPath;
+    if (matches) entry->isRemoved = true;
+    return matches;
   });
 }
 
@@ -40,11 +47,12 @@ void NSObject::willChangeValueForKey(std::string_view /*key*/) {}
 
 void NSObject::didChangeValueForKey(std::string_view key) {
   if (!observers_) return;
-  // A copy, since an observer may add or remove observers.
-  const std::vector<Observers::Entry> entries = observers_->entries;
+  // An observer may release the last reference to this object, and add or remove observers.
+  const auto keptAlive = weak_from_this().lock();
+  const auto entries = observers_->entries;
   for (const auto& entry : entries) {
-    if (entry.keyPath != key) continue;
-    if (const auto observer = entry.observer.lock()) observer->observeValueForKeyPath(key, *this);
+    if (entry->isRemoved || entry->keyPath != key) continue;
+    if (const auto observer = entry->observer.lock()) observer->observeValueForKeyPath(key, *this);
   }
 }
 

@@ -24,8 +24,9 @@ class NSObject : public std::enable_shared_from_this<NSObject> {
   [[nodiscard]] virtual std::string_view className() const { return "NSObject"; }
 
   // Key-value observing. The change notice is sent synchronously, on the thread that calls
-  // `didChangeValueForKey`, to every observer of that key in order of registration; an observer
-  // that has died is skipped.
+  // `didChangeValueForKey`, to every observer of that key in order of registration, also when the
+  // new value equals the old one. An observer that has died, or was removed during the delivery, is
+  // skipped; one added during it waits for the next. Observers are not retained.
   void addObserver(const std::shared_ptr<NSObject>& observer, std::string_view keyPath);
   void removeObserver(const NSObject& observer, std::string_view keyPath);
   virtual void willChangeValueForKey(std::string_view key);
