@@ -6,11 +6,10 @@ if(prefix MATCHES "[\r\n]")
   message(FATAL_ERROR "The prefix has a line break, which no service file can carry: ${prefix}")
 endif()
 
-# As an argument between double quotes, which each of the three kinds of file understands its own
-# way.
-string(REGEX REPLACE "([\"\\\\$`])" "\\\\\\1" PREFIX_FOR_BUS "${prefix}")
+# As an argument between double quotes, which each kind of file understands its own way. Bus and
+# desktop files unescape a value before they look at its quotes.
+string(REGEX REPLACE "([\"\\$`])" "\\\\\\\\\\1" PREFIX_FOR_BUS "${prefix}")
 string(REPLACE "%" "%%" PREFIX_FOR_DESKTOP "${PREFIX_FOR_BUS}")
-string(REPLACE "\\" "\\\\" PREFIX_FOR_DESKTOP "${PREFIX_FOR_DESKTOP}")
 string(REGEX REPLACE "([\"\\\\])" "\\\\\\1" PREFIX_FOR_SYSTEMD "${prefix}")
 string(REPLACE "%" "%%" PREFIX_FOR_SYSTEMD "${PREFIX_FOR_SYSTEMD}")
 
