@@ -175,6 +175,10 @@ std::optional<bool> BusMessage::readBool() {
   return value ? std::optional(*value != 0) : std::nullopt;
 }
 
+std::optional<std::int32_t> BusMessage::readInt32() {
+  return readBasic<std::int32_t>('i');
+}
+
 std::optional<std::uint32_t> BusMessage::readUint32() {
   return readBasic<std::uint32_t>('u');
 }

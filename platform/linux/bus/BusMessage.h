@@ -56,6 +56,7 @@ class BusMessage {
   // and signatures too.
   [[nodiscard]] std::optional<std::string> readString();
   [[nodiscard]] std::optional<bool> readBool();
+  [[nodiscard]] std::optional<std::int32_t> readInt32();
   [[nodiscard]] std::optional<std::uint32_t> readUint32();
   [[nodiscard]] std::optional<std::vector<std::string>> readStrings();
   // Values of types that a property list has no counterpart for are left out.

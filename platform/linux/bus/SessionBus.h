@@ -82,7 +82,7 @@ struct BusOperation {
 struct BusSignalFilter {
   std::string sender{};
   std::string path{};
-  std::string interface{};
+  std::string interface {};
   std::string member{};
   std::string firstArgument{};
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/linux/desktop/BusNames.h"
+#include "platform/linux/desktop/InstalledIcon.h"
 
 namespace vornix {
 namespace {
@@ -18,7 +19,7 @@ constexpr std::uint8_t kNormalUrgency = 1;
 void writePost(BusMessage& message, const NotificationPost& notification) {
   message.writeString(notification.applicationName);
   message.writeUint32(kReplacesNothing);
-  message.writeString(notification.desktopEntry);
+  message.writeString(installedIcon(notification.desktopEntry));
   message.writeString(notification.summary);
   message.writeString(notification.body);
   std::vector<std::string> actions;
