@@ -73,7 +73,7 @@ class BinaryShape {
     return Object{start, kind == 0xD ? *count * 2 : *count};
   }
 
-  // NOLINTNEXTLINE(misc-no-recursion): never deeper than `kDeepest`.
+  // Never deeper than `kDeepest`.
   bool measure(std::uint64_t index, std::uint32_t depth) {
     Tree& tree = trees_[index];
     if (tree.inProgress || depth + tree.height > kDeepest) return false;

@@ -1,0 +1,411 @@
+#include "platform/linux/preferences/LinuxPreferencesStore.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <plist/plist.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <vector>
+
+#include "platform/base/Diagnostics.h"
+#include "platform/linux/preferences/PropertyList.h"
+#include "tests/support/ScratchFolder.h"
+
+namespace vornix {
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::milliseconds;
+
+constexpr std::string_view kDomain = "com.example.domain";
+constexpr std::string_view kFile = "Library/Preferences/com.example.domain.plist";
+
+std::string bytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+mode_t modeOf(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 07777U;
+}
+
+int statusOf(pid_t child) {
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  return status;
+}
+
+class LinuxPreferencesStoreTest : public testing::Test {
+ protected:
+  LinuxPreferencesStoreTest() {
+    setDiagnosticReceiver([this](std::string_view line) { lines_.emplace_back(line); });
+  }
+  ~LinuxPreferencesStoreTest() override { setDiagnosticReceiver({}); }
+
+  [[nodiscard]] std::string path() const { return folder_.path(kFile); }
+  std::optional<Value> copy(std::string_view key) {
+    return store_.copyValue(key, kDomain, PreferencesUser::Current);
+  }
+  // As another program reads it.
+  std::optional<Value> copyAfresh(std::string_view key) {
+    return LinuxPreferencesStore(folder_.path()).copyValue(key, kDomain, PreferencesUser::Current);
+  }
+  std::optional<NSError> set(std::string_view key, const std::optional<Value>& value) {
+    return store_.setValue(key, value, kDomain);
+  }
+  [[nodiscard]] std::vector<std::string> namesBeside() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder_.path("Library/Preferences"))) {
+      names.push_back(entry.path().filename());
+    }
+    std::ranges::sort(names);
+    return names;
+  }
+
+  tests::ScratchFolder folder_;
+  LinuxPreferencesStore store_{
+      folder_.path(), folder_.path("any"), {.lockPatience = milliseconds(30), .largestFile = 4096}};
+  std::vector<std::string> lines_;
+};
+
+TEST_F(LinuxPreferencesStoreTest, MakesNothingWhenItOnlyReads) {
+  EXPECT_EQ(copy("Key"), std::nullopt);
+  EXPECT_TRUE(store_.synchronize(kDomain));
+  EXPECT_TRUE(fs::is_empty(folder_.path()));
+}
+
+TEST_F(LinuxPreferencesStoreTest, MakesTheHomesSkeletonAtTheFirstWrite) {
+  EXPECT_EQ(set("Key", Value(1)), std::nullopt);
+  for (const char* name : {"Library", "Library/Preferences", "Library/Logs"}) {
+    EXPECT_EQ(modeOf(folder_.path(name)), 0700U) << name;
+  }
+  EXPECT_EQ(modeOf(path()), 0600U);
+  EXPECT_TRUE(bytesOf(path()).starts_with("bplist00"));
+}
+
+TEST_F(LinuxPreferencesStoreTest, ReadsXmlAndWritesBinary) {
+  folder_.write(kFile,
+                "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>Count</key>"
+                "<integer>-5</integer><key>When</key><date>2001-01-01T00:00:10Z</date>"
+                "<key>Yes</key><true/><key>List</key><array><string>a &amp; b</string></array>"
+                "</dict></plist>");
+  EXPECT_EQ(copy("Count"), Value(-5));
+  EXPECT_EQ(copy("When"), Value(Date{10}));
+  EXPECT_EQ(copy("List"), Value(Array{"a & b"}));
+  EXPECT_EQ(set("New", Value("x")), std::nullopt);
+  EXPECT_TRUE(bytesOf(path()).starts_with("bplist00"));
+  EXPECT_EQ(copyAfresh("Count"), Value(-5));
+  EXPECT_EQ(copyAfresh("Yes"), Value(true));
+  EXPECT_EQ(copyAfresh("New"), Value("x"));
+}
+
+TEST_F(LinuxPreferencesStoreTest, SeesAnotherProgramsChangesAtOnce) {
+  LinuxPreferencesStore other(folder_.path());
+  for (int round = 0; round < 50; ++round) {
+    ASSERT_EQ(other.setValue("Key", Value(round), kDomain), std::nullopt);
+    ASSERT_EQ(copy("Key"), Value(round));
+  }
+  fs::remove(path());
+  EXPECT_EQ(copy("Key"), std::nullopt);
+}
+
+TEST_F(LinuxPreferencesStoreTest, SeesAFileThatIsRewrittenInPlace) {
+  const auto xml = [](char digit) {
+    return std::string("<plist><dict><key>Key</key><integer>") + digit +
+           "</integer></dict></plist>";
+  };
+  for (char digit = '0'; digit <= '9'; ++digit) {
+    folder_.write(kFile, xml(digit));
+    EXPECT_EQ(copy("Key"), Value(digit - '0'));
+  }
+}
+
+TEST_F(LinuxPreferencesStoreTest, PreservesKeysAndTypesThatItDoesNotKnow) {
+  const PropertyListNode root = makeDictionaryNode();
+  plist_dict_set_item(root.get(), "Identifier", plist_new_uid(7));
+  plist_dict_set_item(root.get(), "Wide", plist_new_uint(1ULL << 62U));
+  plist_dict_set_item(root.get(), "Date", nodeOfValue(Date{123456789.123456789}).release());
+  plist_dict_set_item(root.get(), "Nested",
+                      nodeOfValue(Dictionary{{"a", Array{Data{std::byte{1}}}}}).release());
+  plist_t huge = nullptr;
+  const std::string xml = "<plist><integer>18446744073709551615</integer></plist>";
+  plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &huge);
+  plist_dict_set_item(root.get(), "Huge", huge);
+  folder_.write(kFile, binaryPropertyList(root.get()));
+
+  ASSERT_EQ(set("Mine", Value(1)), std::nullopt);
+  ASSERT_EQ(set("Mine", std::nullopt), std::nullopt);
+  const PropertyListNode after = parsePropertyListNode(bytesOf(path()));
+  ASSERT_TRUE(isDictionaryNode(after.get()));
+  EXPECT_EQ(plist_dict_get_size(after.get()), 5U);
+  for (const char* key : {"Identifier", "Wide", "Date", "Nested", "Huge"}) {
+    EXPECT_EQ(binaryPropertyList(plist_dict_get_item(after.get(), key)),
+              binaryPropertyList(plist_dict_get_item(root.get(), key)))
+        << key;
+  }
+  EXPECT_EQ(copy("Identifier"), Value(Dictionary{{"CF$UID", 7}}));
+  EXPECT_EQ(copy("Huge"), Value(std::numeric_limits<std::int64_t>::max()));
+}
+
+TEST_F(LinuxPreferencesStoreTest, KeepsDatesExactly) {
+  for (const double seconds : {0.0, -0.5, 500000000.12345678, 1e-9, 1e15, 800000000.0000001}) {
+    ASSERT_EQ(set("Date", Value(Date{seconds})), std::nullopt);
+    EXPECT_EQ(copyAfresh("Date"), Value(Date{seconds})) << seconds;
+  }
+}
+
+TEST_F(LinuxPreferencesStoreTest, LosesNothingBetweenProcesses) {
+  constexpr int kKeys = 200;
+  std::vector<pid_t> children;
+  for (int process = 0; process < 2; ++process) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      LinuxPreferencesStore store(folder_.path(), "", {.lockPatience = milliseconds(60000)});
+      bool good = true;
+      for (int key = 0; key < kKeys; ++key) {
+        const std::string name = std::to_string(process) + "." + std::to_string(key);
+        good = !store.setValue(name, Value(key), kDomain) && good;
+      }
+      _exit(good ? 0 : 1);
+    }
+    children.push_back(child);
+  }
+  for (const pid_t child : children) EXPECT_EQ(statusOf(child), 0);
+  for (int process = 0; process < 2; ++process) {
+    for (int key = 0; key < kKeys; ++key) {
+      ASSERT_EQ(LinuxPreferencesStore(folder_.path())
+                    .copyValue(std::to_string(process) + "." + std::to_string(key), kDomain,
+                               PreferencesUser::Current),
+                Value(key));
+    }
+  }
+}
+
+TEST_F(LinuxPreferencesStoreTest, LeavesTheOldOrTheNewFileWhenKilledWhileWriting) {
+  for (int round = 0; round < 20; ++round) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      LinuxPreferencesStore store(folder_.path());
+      for (std::int64_t count = 0;; ++count) {
+        if (store.setValue("Count", Value(count), kDomain)) _exit(1);
+        if (write(ends[1], &count, sizeof(count)) != sizeof(count)) _exit(1);
+      }
+    }
+    close(ends[1]);
+    std::int64_t told = -1;
+    for (int seen = 0; seen <= round; ++seen) {
+      ASSERT_EQ(read(ends[0], &told, sizeof(told)), static_cast<ssize_t>(sizeof(told)));
+    }
+    ASSERT_EQ(kill(child, SIGKILL), 0);
+    EXPECT_TRUE(WIFSIGNALED(statusOf(child)));
+    while (read(ends[0], &told, sizeof(told)) == static_cast<ssize_t>(sizeof(told))) {
+    }
+    close(ends[0]);
+    const auto left = copyAfresh("Count");
+    ASSERT_TRUE(left && left->is<std::int64_t>());
+    EXPECT_GE(left->integerValue(), told);
+    EXPECT_LE(left->integerValue(), told + 1);
+  }
+  EXPECT_EQ(set("Mine", Value(1)), std::nullopt);
+  EXPECT_EQ(namesBeside(), (std::vector<std::string>{".com.example.domain.plist.lock",
+                                                     "com.example.domain.plist"}));
+  EXPECT_TRUE(lines_.empty());
+}
+
+TEST_F(LinuxPreferencesStoreTest, SetsABrokenFileAsideBeforeTheFirstWriteAndSaysSo) {
+  const std::string broken[] = {"no property list", "", "<plist><array/></plist>",
+                                std::string("bplist00") + std::string(40, '\xff')};
+  for (std::size_t index = 0; index < std::size(broken); ++index) {
+    lines_.clear();
+    folder_.write(kFile, broken[index]);
+    EXPECT_EQ(copy("Key"), std::nullopt);
+    EXPECT_EQ(bytesOf(path()), broken[index]);
+    ASSERT_EQ(set("Key", Value(1)), std::nullopt);
+    EXPECT_EQ(copyAfresh("Key"), Value(1));
+    const std::string number = index == 0 ? "" : "-" + std::to_string(index + 1);
+    EXPECT_EQ(bytesOf(path() + ".damaged" + number), broken[index]);
+    ASSERT_FALSE(lines_.empty());
+    EXPECT_NE(lines_.back().find(".damaged" + number), std::string::npos) << lines_.back();
+  }
+  EXPECT_EQ(bytesOf(path() + ".damaged"), broken[0]);
+}
+
+TEST_F(LinuxPreferencesStoreTest, SetsAsideWhatIsNoFileOrTooLarge) {
+  fs::create_directories(path() + "/inside");
+  EXPECT_EQ(copy("Key"), std::nullopt);
+  ASSERT_EQ(set("Key", Value(1)), std::nullopt);
+  EXPECT_TRUE(fs::exists(path() + ".damaged/inside"));
+  const std::string large(5000, 'x');
+  folder_.write(kFile, large);
+  EXPECT_EQ(copy("Key"), std::nullopt);
+  ASSERT_EQ(set("Key", Value(2)), std::nullopt);
+  EXPECT_EQ(bytesOf(path() + ".damaged-2"), large);
+  EXPECT_EQ(copyAfresh("Key"), Value(2));
+}
+
+TEST_F(LinuxPreferencesStoreTest, NeverWaitsForAPipe) {
+  fs::create_directories(folder_.path("Library/Preferences"));
+  ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
+  EXPECT_EQ(copy("Key"), std::nullopt);
+}
+
+TEST_F(LinuxPreferencesStoreTest, ReportsAnUnreadableFileOnceNotAtEveryRead) {
+  folder_.write(kFile, "garbage");
+  for (int round = 0; round < 5; ++round) EXPECT_EQ(copy("Key"), std::nullopt);
+  EXPECT_EQ(lines_.size(), 1U);
+}
+
+TEST_F(LinuxPreferencesStoreTest, KeepsAValueThatCannotBeWrittenAndStoresItWithTheNextSuccess) {
+  folder_.write("Library", "a file where the folder should be");
+  const auto error = set("First", Value(1));
+  ASSERT_TRUE(error.has_value());
+  EXPECT_EQ(error->underlyingErrno, ENOTDIR);
+  EXPECT_EQ(copy("First"), Value(1));
+  EXPECT_FALSE(store_.synchronize(kDomain));
+  EXPECT_FALSE(store_.synchronizeAll());
+  fs::remove(folder_.path("Library"));
+  EXPECT_EQ(set("Second", Value(2)), std::nullopt);
+  EXPECT_EQ(copyAfresh("First"), Value(1));
+  EXPECT_EQ(copyAfresh("Second"), Value(2));
+}
+
+TEST_F(LinuxPreferencesStoreTest, LeavesTheOldFileWhenTheDiskIsFull) {
+  ASSERT_EQ(set("Old", Value("kept")), std::nullopt);
+  const std::string before = bytesOf(path());
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // A file that may not grow stands for a disk without room.
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{32, 32};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const auto error = set("New", Value("lost?"));
+    _exit(error && copy("New") == Value("lost?") && copy("Old") == Value("kept") ? 0 : 1);
+  }
+  EXPECT_EQ(statusOf(child), 0);
+  EXPECT_EQ(bytesOf(path()), before);
+  EXPECT_EQ(namesBeside().size(), 2U);
+}
+
+TEST_F(LinuxPreferencesStoreTest, WritesThroughALinkAndKeepsIt) {
+  fs::create_directories(folder_.path("Library/Preferences"));
+  fs::create_directories(folder_.path("elsewhere"));
+  fs::create_symlink("../../elsewhere/real.plist", path());
+  ASSERT_EQ(set("Key", Value(1)), std::nullopt);
+  ASSERT_EQ(set("Other", Value(2)), std::nullopt);
+  EXPECT_TRUE(fs::is_symlink(path()));
+  EXPECT_TRUE(fs::is_regular_file(folder_.path("elsewhere/real.plist")));
+  EXPECT_EQ(copyAfresh("Key"), Value(1));
+}
+
+TEST_F(LinuxPreferencesStoreTest, RefusesALinkThatLeadsInACircle) {
+  fs::create_directories(folder_.path("Library/Preferences"));
+  fs::create_symlink("com.example.domain.plist", path());
+  const auto error = set("Key", Value(1));
+  ASSERT_TRUE(error.has_value());
+  EXPECT_EQ(error->underlyingErrno, ELOOP);
+  EXPECT_EQ(copy("Key"), Value(1));
+}
+
+TEST_F(LinuxPreferencesStoreTest, GivesUpOnALockThatIsNeverReleasedAndRetriesLater) {
+  ASSERT_EQ(set("Old", Value(1)), std::nullopt);
+  const std::string lockPath = folder_.path("Library/Preferences/.com.example.domain.plist.lock");
+  const int lock = open(lockPath.c_str(), O_RDWR | O_CLOEXEC);
+  ASSERT_GE(lock, 0);
+  ASSERT_EQ(flock(lock, LOCK_EX), 0);
+  const auto error = set("Key", Value(2));
+  ASSERT_TRUE(error.has_value());
+  EXPECT_EQ(error->underlyingErrno, ETIMEDOUT);
+  EXPECT_EQ(copy("Old"), Value(1));
+  EXPECT_EQ(copyAfresh("Key"), std::nullopt);
+  close(lock);
+  EXPECT_TRUE(store_.synchronize(kDomain));
+  EXPECT_EQ(copyAfresh("Key"), Value(2));
+}
+
+TEST_F(LinuxPreferencesStoreTest, RefusesWhatNoPropertyListCanHoldAndForgetsIt) {
+  const Value refused[] = {Null(), std::string("a\0b", 3), "\xff", Array{Null()},
+                           Dictionary{{"\xff", 1}}};
+  for (const Value& value : refused) {
+    EXPECT_TRUE(set("Key", value).has_value());
+    EXPECT_EQ(copy("Key"), std::nullopt);
+  }
+  EXPECT_TRUE(set(std::string_view("a\0b", 3), Value(1)).has_value());
+  EXPECT_TRUE(store_.synchronize(kDomain));
+}
+
+TEST_F(LinuxPreferencesStoreTest, RefusesDomainsThatLeadElsewhere) {
+  for (const std::string_view domain :
+       {std::string_view("../escape"), std::string_view("/etc/x"), std::string_view("")}) {
+    EXPECT_TRUE(store_.setValue("Key", Value(1), domain).has_value()) << domain;
+    EXPECT_EQ(store_.copyValue("Key", domain, PreferencesUser::Current), std::nullopt);
+  }
+  EXPECT_TRUE(fs::is_empty(folder_.path()));
+}
+
+TEST_F(LinuxPreferencesStoreTest, ReadsTheDomainsOfAnyUser) {
+  folder_.write("any/com.example.domain.plist",
+                "<plist><dict><key>Key</key><string>everybody</string></dict></plist>");
+  EXPECT_EQ(store_.copyValue("Key", kDomain, PreferencesUser::Any), Value("everybody"));
+  EXPECT_EQ(copy("Key"), std::nullopt);
+}
+
+TEST_F(LinuxPreferencesStoreTest, ReadsAsEmptyWhatWouldUnfoldOrNestWithoutEnd) {
+  std::string deep = "<plist>";
+  for (int level = 0; level < 200000; ++level) deep += "<array>";
+  EXPECT_EQ(parsePropertyListNode(deep), nullptr);
+
+  // Each array refers to the next one sixteen times; the last one to itself.
+  constexpr int kLevels = 16;
+  std::string bomb = "bplist00";
+  std::string offsets;
+  for (int level = 0; level < kLevels; ++level) {
+    offsets += static_cast<char>(bomb.size() >> 8U);
+    offsets += static_cast<char>(bomb.size() & 0xFFU);
+    bomb += "\xAF\x10\x10";
+    bomb += std::string(16, static_cast<char>(std::min(level + 1, kLevels)));
+  }
+  offsets += static_cast<char>(bomb.size() >> 8U);
+  offsets += static_cast<char>(bomb.size() & 0xFFU);
+  bomb += '\x09';
+  const auto table = bomb.size();
+  bomb += offsets + std::string(6, '\0') + "\x02\x01" + std::string(7, '\0') +
+          static_cast<char>(kLevels + 1) + std::string(8, '\0') + std::string(6, '\0') +
+          static_cast<char>(table >> 8U) + static_cast<char>(table & 0xFFU);
+  EXPECT_EQ(parsePropertyListNode(bomb), nullptr);
+}
+
+TEST_F(LinuxPreferencesStoreTest, SurvivesEveryChangedByteOfAFile) {
+  const Dictionary contents{
+      {"Date", Date{5.5}}, {"List", Array{1, "two", 0.5}}, {"Data", Data(20)}};
+  const std::string whole = binaryPropertyList(nodeOfValue(contents).get());
+  ASSERT_EQ(valueOfNode(parsePropertyListNode(whole).get()), Value(contents));
+  for (std::size_t index = 0; index < whole.size(); ++index) {
+    static_cast<void>(parsePropertyListNode(whole.substr(0, index)));
+    for (const unsigned change : {0x01U, 0x10U, 0x80U, 0xFFU}) {
+      std::string changed = whole;
+      changed[index] = static_cast<char>(static_cast<unsigned char>(changed[index]) ^ change);
+      const PropertyListNode node = parsePropertyListNode(changed);
+      if (node) static_cast<void>(valueOfNode(node.get()));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vornix
