@@ -51,9 +51,6 @@ class SessionBus::State::Source final : public RunLoopSource {
 
   [[nodiscard]] std::optional<double> timeout() const override {
     std::uint64_t deadline = 0;
-    if (state_.hasQueuedWork()) {
-      return 0;
-    }
     if (state_.bus() == nullptr || sdBus().sd_bus_get_timeout(state_.bus(), &deadline) < 0 ||
         deadline == UINT64_MAX) {
       return std::nullopt;
@@ -64,7 +61,7 @@ class SessionBus::State::Source final : public RunLoopSource {
                : static_cast<double>(deadline - now) / static_cast<double>(kMicrosecondsPerSecond);
   }
 
-  void perform() override { state_.process(); }
+  void perform() override { state_.receive(); }
 
  private:
   State& state_;
@@ -162,8 +159,7 @@ void SessionBus::State::disconnect() {
   pendingCalls_.clear();
 }
 
-void SessionBus::State::process() {
-  const auto keepAlive = shared_from_this();
+void SessionBus::State::receive() {
   int result = 1;
   while (bus_ != nullptr && result > 0) {
     result = sdBus().sd_bus_process(bus_, nullptr);
@@ -171,6 +167,10 @@ void SessionBus::State::process() {
   if (bus_ != nullptr && result < 0 && result != -EBUSY) {
     lose();
   }
+}
+
+void SessionBus::State::process() {
+  receive();
   runQueuedWork();
 }
 
@@ -183,18 +183,21 @@ void SessionBus::State::lose() {
   for (const auto& weak : std::exchange(lostHandlers_, {})) {
     if (const auto handler = weak.lock()) {
       lostHandlers_.push_back(weak);
-      work_.emplace_back([weak] {
+      queueWork([weak] {
         if (const auto live = weak.lock()) {
           (*live)();
         }
       });
     }
   }
-  runQueuedWorkSoon();
 }
 
-// For work that no arriving message announces, and that must not interrupt the present operation.
-void SessionBus::State::runQueuedWorkSoon() {
+// A block of the loop, unlike its source, may turn the loop and be served meanwhile.
+void SessionBus::State::queueWork(std::function<void()> work) {
+  work_.push_back(std::move(work));
+  if (std::exchange(isWorkAnnounced_, true)) {
+    return;
+  }
   loop_->performBlock([weak = weak_from_this()] {
     if (const auto self = weak.lock()) {
       self->runQueuedWork();
@@ -219,6 +222,8 @@ void SessionBus::State::flush() {
 }
 
 void SessionBus::State::runQueuedWork() {
+  const auto keepAlive = shared_from_this();
+  isWorkAnnounced_ = false;
   while (!work_.empty()) {
     const auto next = std::move(work_.front());
     work_.pop_front();
@@ -264,10 +269,9 @@ void SessionBus::State::sendWithReply(const BusMessage& message, std::uint64_t t
 }
 
 void SessionBus::State::answerLater(ReplyHandler handler, BusError error) {
-  work_.emplace_back([handler = std::move(handler), error = std::move(error)] {
+  queueWork([handler = std::move(handler), error = std::move(error)] {
     handler({.message = {}, .error = error});
   });
-  runQueuedWorkSoon();
 }
 
 void SessionBus::State::addLostHandler(const std::shared_ptr<std::function<void()>>& handler) {
@@ -283,8 +287,7 @@ int SessionBus::State::replyArrived(sd_bus_message* message, void* pendingCall, 
   } else {
     reply->message = BusMessage::sharing(message);
   }
-  state.work_.emplace_back(
-      [handler = std::move(pending->handler), reply] { handler(std::move(*reply)); });
+  state.queueWork([handler = std::move(pending->handler), reply] { handler(std::move(*reply)); });
   state.pendingCalls_.remove_if([pending](const PendingCall& call) { return &call == pending; });
   return 1;
 }
@@ -293,7 +296,7 @@ int SessionBus::State::signalArrived(sd_bus_message* message, void* registration
   auto* self = static_cast<Registration*>(registration);
   const auto state = self->state.lock();
   auto shared = std::make_shared<BusMessage>(BusMessage::sharing(message));
-  state->work_.emplace_back([weak = self->weak_from_this(), shared] {
+  state->queueWork([weak = self->weak_from_this(), shared] {
     if (const auto live = weak.lock()) {
       // Another subscriber may have read it.
       sdBus().sd_bus_message_rewind(shared->get(), 1);
@@ -307,7 +310,7 @@ int SessionBus::State::methodCalled(sd_bus_message* message, void* registration,
   auto* self = static_cast<Registration*>(registration);
   const auto state = self->state.lock();
   auto call = std::make_shared<BusCall>(BusMessage::sharing(message));
-  state->work_.emplace_back([weak = self->weak_from_this(), call] {
+  state->queueWork([weak = self->weak_from_this(), call] {
     const auto live = weak.lock();
     const std::string member = call->arguments().member();
     for (std::size_t index = 0; live && index < live->operations.size(); ++index) {

@@ -41,9 +41,11 @@ class SessionBus::State : public std::enable_shared_from_this<SessionBus::State>
   [[nodiscard]] sd_bus* bus() const { return bus_; }
   [[nodiscard]] std::optional<NSError> connect();
   void disconnect();
+  // Takes in what has arrived; its handlers run later, from the loop.
+  void receive();
+  // The same, and runs the handlers.
   void process();
   void flush();
-  [[nodiscard]] bool hasQueuedWork() const { return !work_.empty(); }
 
   // Connects when needed and writes the call into `message`.
   [[nodiscard]] std::optional<BusError> newCall(const BusMethod& method, const Writer& write,
@@ -68,12 +70,13 @@ class SessionBus::State : public std::enable_shared_from_this<SessionBus::State>
   [[nodiscard]] int waitUntilReady() const;
   void lose();
   void runQueuedWork();
-  void runQueuedWorkSoon();
+  void queueWork(std::function<void()> work);
 
   std::shared_ptr<NSRunLoop> loop_;
   sd_bus* bus_ = nullptr;
   std::shared_ptr<Source> source_;
   std::deque<std::function<void()>> work_;
+  bool isWorkAnnounced_ = false;
   std::list<PendingCall> pendingCalls_;
   std::vector<std::weak_ptr<std::function<void()>>> lostHandlers_;
 };
