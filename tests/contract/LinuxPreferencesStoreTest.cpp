@@ -366,46 +366,5 @@ TEST_F(LinuxPreferencesStoreTest, ReadsTheDomainsOfAnyUser) {
   EXPECT_EQ(copy("Key"), std::nullopt);
 }
 
-TEST_F(LinuxPreferencesStoreTest, ReadsAsEmptyWhatWouldUnfoldOrNestWithoutEnd) {
-  std::string deep = "<plist>";
-  for (int level = 0; level < 200000; ++level) deep += "<array>";
-  EXPECT_EQ(parsePropertyListNode(deep), nullptr);
-
-  // Each array refers to the next one sixteen times; the last one to itself.
-  constexpr int kLevels = 16;
-  std::string bomb = "bplist00";
-  std::string offsets;
-  for (int level = 0; level < kLevels; ++level) {
-    offsets += static_cast<char>(bomb.size() >> 8U);
-    offsets += static_cast<char>(bomb.size() & 0xFFU);
-    bomb += "\xAF\x10\x10";
-    bomb += std::string(16, static_cast<char>(std::min(level + 1, kLevels)));
-  }
-  offsets += static_cast<char>(bomb.size() >> 8U);
-  offsets += static_cast<char>(bomb.size() & 0xFFU);
-  bomb += '\x09';
-  const auto table = bomb.size();
-  bomb += offsets + std::string(6, '\0') + "\x02\x01" + std::string(7, '\0') +
-          static_cast<char>(kLevels + 1) + std::string(8, '\0') + std::string(6, '\0') +
-          static_cast<char>(table >> 8U) + static_cast<char>(table & 0xFFU);
-  EXPECT_EQ(parsePropertyListNode(bomb), nullptr);
-}
-
-TEST_F(LinuxPreferencesStoreTest, SurvivesEveryChangedByteOfAFile) {
-  const Dictionary contents{
-      {"Date", Date{5.5}}, {"List", Array{1, "two", 0.5}}, {"Data", Data(20)}};
-  const std::string whole = binaryPropertyList(nodeOfValue(contents).get());
-  ASSERT_EQ(valueOfNode(parsePropertyListNode(whole).get()), Value(contents));
-  for (std::size_t index = 0; index < whole.size(); ++index) {
-    static_cast<void>(parsePropertyListNode(whole.substr(0, index)));
-    for (const unsigned change : {0x01U, 0x10U, 0x80U, 0xFFU}) {
-      std::string changed = whole;
-      changed[index] = static_cast<char>(static_cast<unsigned char>(changed[index]) ^ change);
-      const PropertyListNode node = parsePropertyListNode(changed);
-      if (node) static_cast<void>(valueOfNode(node.get()));
-    }
-  }
-}
-
 }  // namespace
 }  // namespace vornix

@@ -40,10 +40,21 @@ class BinaryShape {
     std::uint32_t height = 0;
     bool inProgress = false;
   };
+  // `count` units of text, or references that start at `start`.
   struct Object {
-    std::uint64_t firstReference = 0;
-    std::uint64_t references = 0;
+    std::uint64_t kind = 0;
+    std::uint64_t start = 0;
+    std::uint64_t count = 0;
   };
+
+  static constexpr std::uint64_t kAsciiText = 0x5;
+  static constexpr std::uint64_t kWideText = 0x6;
+  static constexpr std::uint64_t kArray = 0xA;
+  static constexpr std::uint64_t kDictionary = 0xD;
+
+  static bool hasCount(std::uint64_t kind) {
+    return kind == kAsciiText || kind == kWideText || kind == kArray || kind == kDictionary;
+  }
 
   static bool isSize(std::size_t size) { return size >= 1 && size <= 8; }
 
@@ -61,7 +72,7 @@ class BinaryShape {
     const auto marker = at ? number(*at, 1) : std::nullopt;
     if (!marker) return std::nullopt;
     const std::uint64_t kind = *marker >> 4U;
-    if (kind != 0xA && kind != 0xD) return Object{};
+    if (!hasCount(kind)) return Object{.kind = kind};
     std::uint64_t start = *at + 1;
     std::optional<std::uint64_t> count = *marker & 0xFU;
     if (*count == 0xF) {
@@ -70,7 +81,23 @@ class BinaryShape {
       start += 1 + size;
     }
     if (!count || *count > bytes_.size()) return std::nullopt;
-    return Object{start, kind == 0xD ? *count * 2 : *count};
+    return Object{.kind = kind, .start = start, .count = *count};
+  }
+
+  static std::uint64_t referencesOf(const Object& object) {
+    if (object.kind == kDictionary) return object.count * 2;
+    return object.kind == kArray ? object.count : 0;
+  }
+
+  // The library stops the process at a key with a zero in it.
+  [[nodiscard]] bool isKey(std::uint64_t index) const {
+    const auto content = object(index);
+    if (!content || (content->kind != kAsciiText && content->kind != kWideText)) return false;
+    const std::size_t width = content->kind == kWideText ? 2 : 1;
+    for (std::uint64_t unit = 0; unit < content->count; ++unit) {
+      if (number(content->start + unit * width, width).value_or(0) == 0) return false;
+    }
+    return true;
   }
 
   // Never deeper than `kDeepest`.
@@ -83,10 +110,11 @@ class BinaryShape {
     tree.inProgress = true;
     std::uint64_t nodes = 1;
     std::uint32_t height = 0;
-    for (std::uint64_t child = 0; child < content->references; ++child) {
-      const auto reference =
-          number(content->firstReference + child * referenceSize_, referenceSize_);
+    for (std::uint64_t child = 0; child < referencesOf(*content); ++child) {
+      const auto reference = number(content->start + child * referenceSize_, referenceSize_);
       if (!reference || *reference >= trees_.size() || !measure(*reference, depth + 1))
+        return false;
+      if (content->kind == kDictionary && child < content->count && !isKey(*reference))
         return false;
       nodes += trees_[*reference].nodes;
       height = std::max(height, trees_[*reference].height + 1);
