@@ -11,6 +11,8 @@ namespace {
 
 std::shared_ptr<NSRunningApplication> firstApplication(NSWorkspace& workspace,
                                                        std::string_view bundleID) {
+  // The empty identifier is that of applications that cannot be named.
+  if (bundleID.empty()) return nullptr;
   const auto applications = workspace.runningApplications();
   const auto found = std::ranges::find(
       applications, bundleID,
@@ -42,6 +44,7 @@ std::shared_ptr<NSRunningApplication> runningApplication(NSWorkspace& /*self*/,
 
 std::vector<std::shared_ptr<NSRunningApplication>> runningApplicationsWithBundleID(
     NSWorkspace& self, std::string_view bundleID) {
+  if (bundleID.empty()) return {};
   auto applications = self.runningApplications();
   std::erase_if(applications, [bundleID](const auto& application) {
     return !text::asciiEqualIgnoringCase(application->bundleIdentifier(), bundleID);

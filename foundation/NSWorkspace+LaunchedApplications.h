@@ -8,7 +8,7 @@
 #include "platform/desktop/NSWorkspace.h"
 
 // Running applications by bundle identifier. Identifiers compare with case, but for
-// `runningApplicationsWithBundleID`. Synchronous; main thread.
+// `runningApplicationsWithBundleID`; the empty one names no application. Synchronous; main thread.
 namespace vornix {
 
 inline constexpr std::uint32_t VXForegroundLaunchOptions = NSWorkspaceLaunchAsync;
@@ -34,7 +34,7 @@ bool launchApplicationWithBundleID(NSWorkspace& self, std::string_view bundleID)
 bool launchApplicationInBackgroundWithBundleID(NSWorkspace& self, std::string_view bundleID);
 
 // Asks the receiver's first one to end; true when the request was sent, false when none runs. The
-// application is put into `application`, which stays as it is when none runs.
+// application is put into `forApplication`, which stays as it is when none runs.
 bool terminateApplicationWithBundleID(
     NSWorkspace& self, std::string_view bundleID,
     std::shared_ptr<NSRunningApplication>* forApplication = nullptr);

@@ -34,6 +34,16 @@ TEST_F(LaunchedApplicationsTest, AnAbsentIdentifierIsNotRunningAndNobodyIsAsked)
   EXPECT_EQ(applications.listsAsked, 0);
 }
 
+TEST_F(LaunchedApplicationsTest, TheEmptyIdentifierNamesNoApplicationThatCannotBeNamed) {
+  applications.run("");
+
+  EXPECT_FALSE(isApplicationRunning(workspace, ""));
+  EXPECT_EQ(runningApplication(workspace, ""), nullptr);
+  EXPECT_THAT(processesOf(""), IsEmpty());
+  EXPECT_FALSE(terminateApplicationWithBundleID(workspace, ""));
+  EXPECT_THAT(applications.terminated, IsEmpty());
+}
+
 TEST_F(LaunchedApplicationsTest, FindsTheFirstRunningApplicationOfAnIdentifier) {
   applications.run("org.example.Other");
   const auto first = applications.run("org.example.App");
