@@ -2,37 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <utility>
 
-#include "settings/ABTestCode.h"
-#include "tests/fakes/FakePreferencesStore.h"
-#include "tests/fakes/ScopedSharedLogger.h"
+#include "tests/unit/settings/ABTesterFixture.h"
 
-namespace vornix {
+namespace vornix::tests {
 namespace {
 
-using Cases = std::map<std::int64_t, std::int64_t>;
-
-constexpr std::string_view kShared = "com.orvane.Vornix3";
-constexpr std::string_view kOwn = "com.example.own";
-constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
-
-class ExperimentTester : public VXABTester {
- public:
-  using VXABTester::VXABTester;
-  [[nodiscard]] std::int64_t numberOfOptionsForCase(std::int64_t caseNumber) const override {
-    const auto found = options.find(caseNumber);
-    return found == options.end() ? 0 : found->second;
-  }
-  [[nodiscard]] std::int64_t predefinedOptionForCase(std::int64_t caseNumber) const override {
-    const auto found = predefined.find(caseNumber);
-    return found == predefined.end() ? noOption : found->second;
-  }
-
-  Cases options;
-  Cases predefined;
-};
+class VXABTesterTest : public ABTesterFixture {};
 
 class Observer : public NSObject {
  public:
@@ -45,32 +22,6 @@ class Observer : public NSObject {
 
  private:
   VXABTester& tester_;
-};
-
-class VXABTesterTest : public testing::Test {
- protected:
-  std::shared_ptr<ExperimentTester> tester() {
-    return std::make_shared<ExperimentTester>(
-        std::make_shared<VXDistributedPreferences>(defaults_, store_), defaults_,
-        [this](std::uint32_t bound) {
-          bounds_.push_back(bound);
-          return drawn_ % bound;
-        });
-  }
-  void store(const Value& code, std::string_view domain = kShared) {
-    static_cast<void>(store_.setValue("ABTesterValues", code, domain));
-  }
-  std::optional<Value> storedCode() {
-    return store_.copyValue("ABTesterValues", kShared, PreferencesUser::Current);
-  }
-
-  fakes::ScopedSharedLogger logger_;
-  fakes::FakePreferencesStore store_;
-  NSNotificationCenter center_;
-  std::shared_ptr<NSUserDefaults> defaults_ =
-      std::make_shared<NSUserDefaults>(std::string(kOwn), store_, center_);
-  std::vector<std::uint32_t> bounds_;
-  std::uint32_t drawn_ = 0;
 };
 
 TEST_F(VXABTesterTest, RestoresCasesAndOptionsOfAStoredCode) {
@@ -182,6 +133,21 @@ TEST_F(VXABTesterTest, LogsAnOptionWithoutALetterAndPrintsItAsAbsent) {
   EXPECT_EQ(fresh->humanReadableValueForCase(1), std::nullopt);
 }
 
+TEST_F(VXABTesterTest, HasNoLetterForACaseWithoutAnOptionAndSaysSo) {
+  EXPECT_EQ(tester()->humanReadableValueForCase(9), std::nullopt);
+  EXPECT_EQ(logger_.messages(LogLevelDebug),
+            std::vector<std::string>{"No human readable value defined for A/B Testing option: -1"});
+}
+
+TEST_F(VXABTesterTest, NamesEveryOptionThatHasALetter) {
+  const std::pair<std::int64_t, std::string_view> letters[] = {
+      {0, "A"}, {1, "B"}, {2, "C"}, {3, "D"}};
+  for (const auto& [option, letter] : letters) {
+    EXPECT_EQ(VXABTester::humanReadableValueForOption(option), letter);
+  }
+  EXPECT_TRUE(logger_.messages().empty());
+}
+
 TEST_F(VXABTesterTest, MapsLettersToOptionsExactly) {
   const std::pair<std::optional<std::string_view>, std::int64_t> cases[] = {
       {"A", 0},  {"B", 1},   {"C", 2}, {"D", 3},   {"E", -1},
@@ -230,64 +196,6 @@ TEST_F(VXABTesterTest, IgnoresAStoredCodeThatIsNoText) {
   EXPECT_TRUE(tester()->currentCases().empty());
 }
 
-class ABTestCodeTest : public VXABTesterTest {};
-
-TEST_F(ABTestCodeTest, IsScannedAsThePlatformsScannerDoes) {
-  const std::pair<std::string_view, Cases> cases[] = {
-      {"1A3C", {{1, 0}, {3, 2}}},
-      {"A1", {{1, -1}}},
-      {" 1 A 2", {{1, -1}, {2, -1}}},
-      {"1", {{1, -1}}},
-      {"12 B", {{12, 1}}},
-      {"1A 3C", {{1, -1}, {3, 2}}},
-      {"1A\n", {{1, -1}}},
-      {"1 ", {{1, -1}}},
-      {"", {}},
-      {" \t\n", {}},
-      {"\u00a0\u200b", {}},
-      {"-1A", {{-1, 0}}},
-      {"-1A-2B", {{-1, -1}, {2, 1}}},
-      {"1-3", {{1, -1}, {3, -1}}},
-      {"01A", {{1, 0}}},
-      {"+5B", {{5, 1}}},
-      {"9223372036854775806D", {{kLargest - 1, 3}}},
-      {"9223372036854775807A", {}},
-      {"9223372036854775808A", {}},
-      {"99999999999999999999999A", {}},
-      {"-9223372036854775808A", {{kSmallest, 0}}},
-      {"-9223372036854775809A", {{kSmallest, 0}}},
-      {"1.5A", {{1, -1}, {5, 0}}},
-      {"0x1A", {{0, -1}, {1, 0}}},
-      {"1\u00a0A", {{1, 0}}},
-      {"1A1B", {{1, 1}}},
-  };
-  for (const auto& [code, expected] : cases) {
-    store(code);
-    EXPECT_EQ(tester()->currentCases(), expected) << '"' << code << '"';
-  }
-}
-
-TEST_F(ABTestCodeTest, EndsAtADigitOfAnotherScriptInsteadOfTurningForever) {
-  const std::pair<std::string_view, Cases> cases[] = {
-      {"\u0663", {}},  {"1A\u06632B", {{1, 0}}},   {"1\u0663A", {{1, -1}}},
-      {"\uff11A", {}}, {"1A\U0001D7CE", {{1, 0}}}, {"A\u0663", {}},
-  };
-  for (const auto& [code, expected] : cases) {
-    store(code);
-    EXPECT_EQ(tester()->currentCases(), expected) << '"' << code << '"';
-  }
-}
-
-TEST_F(ABTestCodeTest, TakesAnyBytes) {
-  EXPECT_TRUE(parseABTestCode("\xff\xfe\xc3").empty());
-  EXPECT_EQ(parseABTestCode("1\xff").size(), 1U);
-  EXPECT_EQ(parseABTestCode(std::string_view("1A\0"
-                                             "2B",
-                                             5))
-                .size(),
-            2U);
-}
-
 class FirstAskingTester : public VXABTester {
  public:
   FirstAskingTester() : seenWhileMade(VXABTester::sharedTester()) {}
@@ -332,4 +240,4 @@ TEST(VXABTesterBaseTest, RunsNoCases) {
 }
 
 }  // namespace
-}  // namespace vornix
+}  // namespace vornix::tests

@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/base/Diagnostics.h"
+#include <utility>
+
 #include "settings/PreferenceKey.h"
 #include "tests/fakes/FakePreferencesStore.h"
 
@@ -126,13 +127,44 @@ TEST(VXDistributedPreferencesLoadTest, TakesOverPlaySoundsAtProcessStart) {
 }
 
 TEST(PreferenceKeyTest, SpellsEveryKeyAsItIsStored) {
-  EXPECT_EQ(PreferenceKey::SchedulerPeriod, "SchedulerPeriod");
-  EXPECT_EQ(PreferenceKey::SchedulerShouldStartFullScan, "SchedulerShouldStartFullScan");
-  EXPECT_EQ(PreferenceKey::SystemTrashIngored, "SystemTrashIngored");
-  EXPECT_EQ(PreferenceKey::RemoteConfigVersion, "RemoteConfigVersion");
-  EXPECT_EQ(PreferenceKey::RemConfig_SendAppUsageStat, "RemConfig_SendAppUsageStat");
-  EXPECT_EQ(PreferenceKey::Uninstaller_IgnoreSystemApps, "Uninstaller_IgnoreSystemApps");
-  EXPECT_EQ(PreferenceKey::SchedulerLastNotification, "SchedulerLastNotification");
+  const std::pair<std::string_view, std::string_view> keys[] = {
+      {PreferenceKey::MigratedPrefsFromVNX, "MigratedPrefsFromVNX"},
+      {PreferenceKey::LaunchCount, "LaunchCount"},
+      {PreferenceKey::FirstLaunchDate, "FirstLaunchDate"},
+      {PreferenceKey::SUUpdaterChecksForBetaUpdates, "SUUpdaterChecksForBetaUpdates"},
+      {PreferenceKey::SUSendProfileInfo, "SUSendProfileInfo"},
+      {PreferenceKey::SchedulerShouldStartFullScan, "SchedulerShouldStartFullScan"},
+      {PreferenceKey::SchedulerEnabled, "SchedulerEnabled"},
+      {PreferenceKey::SchedulerPeriod, "SchedulerPeriod"},
+      {PreferenceKey::SchedulerLastNotification, "SchedulerLastNotification"},
+      {PreferenceKey::PlaySounds, "PlaySounds"},
+      {PreferenceKey::ABTesterValues, "ABTesterValues"},
+      {PreferenceKey::InstalledAppsStatisticsEnabled, "InstalledAppsStatisticsEnabled"},
+      {PreferenceKey::AppsAnalyticsReportDate, "AppsAnalyticsReportDate"},
+      {PreferenceKey::QB_SID, "QB_SID"},
+      {PreferenceKey::MenubarAppEnabled, "MenubarAppEnabled"},
+      {PreferenceKey::SystemTrashIngored, "SystemTrashIngored"},
+      {PreferenceKey::Beta, "Beta"},
+      {PreferenceKey::DontRelaunchAppsAfterQuit, "DontRelaunchAppsAfterQuit"},
+      {PreferenceKey::IgnoreRAW, "IgnoreRAW"},
+      {PreferenceKey::Uninstaller_IgnoreSystemApps, "Uninstaller_IgnoreSystemApps"},
+      {PreferenceKey::DisableHardAnimations, "DisableHardAnimations"},
+      {PreferenceKey::DisableDetailedProgress, "DisableDetailedProgress"},
+      {PreferenceKey::RemoteConfigVersion, "RemoteConfigVersion"},
+      {PreferenceKey::RemoteConfigEnableUsageTracking, "RemoteConfigEnableUsageTracking"},
+      {PreferenceKey::RemConfig_SendAppUsageStat, "RemConfig_SendAppUsageStat"},
+      {PreferenceKey::VXAULastSentDate, "VXAULastSentDate"},
+      {PreferenceKey::EnableUninstallDiscount, "EnableUninstallDiscount"},
+      {PreferenceKey::RemConfig_UninstallDiscountValue, "RemConfig_UninstallDiscountValue"},
+      {PreferenceKey::UninstallDiscountMinCleanedLimit, "UninstallDiscountMinCleanedLimit"},
+      {PreferenceKey::DisableCleanLogging, "DisableCleanLogging"},
+      {PreferenceKey::LanguagesPreferences, "LanguagesPreferences"},
+      {PreferenceKey::PhotoJunk_LastUsedLibrary, "PhotoJunk_LastUsedLibrary"},
+      {PreferenceKey::LargeOldScanPaths, "LargeOldScanPaths"},
+      {PreferenceKey::LastLaunchedVersion, "LastLaunchedVersion"},
+      {PreferenceKey::ShowFilePaths, "ShowFilePaths"},
+  };
+  for (const auto& [key, text] : keys) EXPECT_EQ(key, text);
 }
 
 }  // namespace
