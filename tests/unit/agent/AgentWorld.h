@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -52,7 +53,12 @@ class JournalledApplication final : public NSApplication {
  public:
   explicit JournalledApplication(Journal& journal) : journal_(journal) {}
   // Returns, unlike the real one, so that what follows can be seen.
-  void terminate(const NSObject* /*sender*/) override { journal_.emplace_back("terminate"); }
+  void terminate(const NSObject* sender) override {
+    journal_.emplace_back("terminate");
+    lastSender = sender;
+  }
+
+  const NSObject* lastSender = nullptr;
 
  private:
   Journal& journal_;
@@ -77,6 +83,8 @@ class AgentWorld {
   NSRunLoop runLoop{std::make_unique<fakes::FakeEventWaiter>(clock), clock};
   fakes::ScopedSharedLogger log;
   std::vector<Dictionary> events;
+  // What happens while the main application is being launched.
+  std::function<void()> whileLaunching;
   std::shared_ptr<AppDelegate> delegate = AppDelegate::create(services());
 
   void setPeriod(const Value& code) { set("SchedulerPeriod", code, kMainDomain); }
@@ -118,6 +126,7 @@ class AgentWorld {
             [this](std::string_view argument, const std::vector<std::string>& files) {
               journal.push_back("launch " + std::string(argument) + " " +
                                 std::to_string(files.size()));
+              if (whileLaunching) whileLaunching();
             },
         .localizedString = [](std::string_view key) { return std::string(key); },
         .timeOfDay = [](Date) { return std::string("09:41"); }};
