@@ -1,6 +1,7 @@
 """What is shipped as data says what the programs expect, and nothing that only a build may say."""
 
 import plistlib
+import re
 import unittest
 from pathlib import Path
 
@@ -28,3 +29,30 @@ class Analytics(unittest.TestCase):
         categories = self.configuration["CategoryIdentifiers"]
         self.assertEqual(len(categories), 32)
         self.assertLessEqual({"Scheduler", "Errors", "CD"}, set(categories))
+
+
+class Information(unittest.TestCase):
+    def test_names_the_agent(self):
+        with open(BUNDLE / "Info.plist", "rb") as file:
+            information = plistlib.load(file)
+        self.assertEqual(information["CFBundleIdentifier"], "com.orvane.Vornix3.Scheduler")
+        self.assertTrue((BUNDLE / f"{information['CFBundleDevelopmentRegion']}.lproj").is_dir())
+
+
+class Texts(unittest.TestCase):
+    KEYS = {
+        "NotificationsTitle_RunSomeCleanup",
+        "NotificationDescription_RunScan",
+        "NotificationDescription_RunSomeCleanup",
+        "Launch",
+        "Cancel",
+    }
+
+    def test_has_every_text_of_the_reminder_in_every_language(self):
+        folders = {folder.name: folder for folder in BUNDLE.glob("*.lproj")}
+        self.assertLessEqual({"en.lproj", "de.lproj"}, set(folders))
+        for name, folder in folders.items():
+            with self.subTest(name):
+                text = (folder / "Localizable.strings").read_text(encoding="utf-8")
+                texts = dict(re.findall(r'^"(\w+)" = "(.+)";$', text, re.MULTILINE))
+                self.assertEqual(set(texts), self.KEYS)
