@@ -76,8 +76,9 @@ class GTMLogger : public NSObject, public GTMLogWriter {
   [[nodiscard]] static std::shared_ptr<GTMLogger> standardLoggerWithStderr();
   // Up to info on standard output, the rest on standard error.
   [[nodiscard]] static std::shared_ptr<GTMLogger> standardLoggerWithStdoutAndStderr();
-  // Appends to the file, made with mode 0644. Null when it cannot be opened.
-  [[nodiscard]] static std::shared_ptr<GTMLogger> standardLoggerWithPath(std::string_view path);
+  // Appends to the file, made with mode 0644. Null without a path or when it cannot be opened.
+  [[nodiscard]] static std::shared_ptr<GTMLogger> standardLoggerWithPath(
+      std::optional<std::string_view> path);
   // To the system's log.
   [[nodiscard]] static std::shared_ptr<GTMLogger> standardLoggerWithASL();
 

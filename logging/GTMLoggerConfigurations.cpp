@@ -60,7 +60,7 @@ std::shared_ptr<GTMLogger> GTMLogger::standardLoggerWithStdoutAndStderr() {
   return nullWhenThrowing([] { return standardLoggerWithWriter(standardOutputAndErrorWriter()); });
 }
 
-std::shared_ptr<GTMLogger> GTMLogger::standardLoggerWithPath(std::string_view path) {
+std::shared_ptr<GTMLogger> GTMLogger::standardLoggerWithPath(std::optional<std::string_view> path) {
   return nullWhenThrowing([path]() -> std::shared_ptr<GTMLogger> {
     auto file = GTMFileHandleLogWriter::fileHandleForLoggingAtPath(path, 0644);
     return file != nullptr ? standardLoggerWithWriter(std::move(file)) : nullptr;

@@ -139,7 +139,8 @@ TEST_F(StandardLoggers, CanAppendToAFile) {
   EXPECT_EQ(output_->contents(), "");
 }
 
-TEST_F(StandardLoggers, AreNullForAFileThatCannotBeOpened) {
+TEST_F(StandardLoggers, AreNullWithoutAPathAndForAFileThatCannotBeOpened) {
+  EXPECT_EQ(GTMLogger::standardLoggerWithPath(std::nullopt), nullptr);
   EXPECT_EQ(GTMLogger::standardLoggerWithPath("/nowhere/standard.log"), nullptr);
 }
 
