@@ -1,7 +1,6 @@
 #include "platform/linux/system/CurlHttpClient.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -244,22 +243,6 @@ TEST_F(CurlHttpClientTest, AnswersAnErrorWhereTheLibraryIsAnother) {
   const auto client = makeCurlHttpClient("libm.so.6", "");
   EXPECT_EQ(codeOf(client->send({.url = "https://127.0.0.1/"})), NSURLErrorUnknown);
   setDiagnosticReceiver({});
-}
-
-TEST_F(CurlHttpClientTest, HandsNoConnectionToProgramsThatAreStarted) {
-  const tests::HttpsServer server;
-  const auto client = makeHttpClient(server.certificateFile());
-  ASSERT_EQ(client->send({.url = server.url("/")}).status, 200);
-  int sockets = 0;
-  for (int descriptor = 3; descriptor < 256; ++descriptor) {
-    int domain = 0;
-    socklen_t length = sizeof(domain);
-    if (getsockopt(descriptor, SOL_SOCKET, SO_DOMAIN, &domain, &length) == 0 && domain == AF_INET) {
-      ++sockets;
-      EXPECT_NE(fcntl(descriptor, F_GETFD) & FD_CLOEXEC, 0) << descriptor;
-    }
-  }
-  EXPECT_GE(sockets, 1);
 }
 
 using CurlHttpClientDeathTest = CurlHttpClientTest;
