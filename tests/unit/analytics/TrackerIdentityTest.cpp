@@ -29,14 +29,20 @@ TEST_F(Identity, SendsToTheProductionIdentifierByDefault) {
   EXPECT_EQ(tracker().analyticsGAID(), "UA-1-1");
 }
 
-TEST_F(Identity, SendsEveryHitToTheCustomIdentifierWhereOneIsSet) {
-  store_.setValue("AnalyticsCustomGAID", "UA-9-9", kOwnDomain);
+TEST_F(Identity, SendsEveryHitToTheCustomIdentifierInPlaceOfTheMainOne) {
+  store_.setValue("AnalyticsCustomGAID", "anything", kOwnDomain);
   store_.setValue("AnalyticsUseDebugGAID", true, kOwnDomain);
-  tracker().setAnalyticsBackupIdentifier("UA-9-9");
   tracker().trackEventWithParameters({});
+  tracker().trackTimingWithParameters({});
   tracker().trackView("Main");
   tracker().trackPurchase();
-  EXPECT_THAT(sent("tid"), Each("UA-9-9"));
+  for (const auto* type : {"event", "timing", "appview", "transaction", "item"}) {
+    std::vector<std::string> targets;
+    for (const auto& hit : hits()) {
+      if (hit.at("t") == type) targets.push_back(hit.at("tid"));
+    }
+    EXPECT_THAT(targets, ElementsAre("anything", "UA-1-3")) << type;
+  }
 }
 
 TEST_F(Identity, TakesACustomIdentifierOfAnyTypeByItsText) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace vornix::text {
 namespace {
 
@@ -47,6 +49,36 @@ TEST(Format, SurvivesWrongAndMissingArguments) {
   EXPECT_EQ(format("%s", static_cast<const char*>(nullptr)), "(null)");
 }
 
+TEST(Format, SurvivesAnyConversionWithAnArgumentOfAnyType) {
+  const Value list(Array{1, "a"});
+  const NSError error{.domain = "D", .code = 5};
+  const NSString object("object");
+  const std::array<FormatArgument, 13> arguments{nullptr,
+                                                 true,
+                                                 -1,
+                                                 std::uint64_t{UINT64_MAX},
+                                                 0.5,
+                                                 "text",
+                                                 std::string_view("view"),
+                                                 static_cast<const char*>(nullptr),
+                                                 static_cast<const void*>(nullptr),
+                                                 list,
+                                                 error,
+                                                 &object,
+                                                 static_cast<const NSObject*>(nullptr)};
+  for (int letter = 1; letter < 128; ++letter) {
+    for (const auto* front :
+         {"%", "%ll", "%-+ #05.3", "%*.*", "%99999999999.99999999999h", "%1$"}) {
+      for (const auto& argument : arguments) {
+        const std::array<FormatArgument, 3> three{argument, argument, argument};
+        const auto text =
+            formatWithArguments(std::string(front) + static_cast<char>(letter), three);
+        EXPECT_LT(text.size(), 10000U) << front << static_cast<char>(letter);
+      }
+    }
+  }
+}
+
 TEST(Format, PrintsUnknownLettersAndDropsALonePercentSign) {
   EXPECT_EQ(format("100%% %y end%", 1), "100% y end");
 }
@@ -58,6 +90,19 @@ TEST(Format, PicksArgumentsByPosition) {
 TEST(Format, PrintsErrorsWithDomainAndCode) {
   const NSError error{.domain = "D", .code = 5, .localizedDescription = "why"};
   EXPECT_EQ(format("%@", error), "Error Domain=D Code=5 \"why\"");
+}
+
+TEST(Format, DescribesAnErrorThatTellsNoReasonByDomainAndCode) {
+  EXPECT_EQ(NSError({.domain = "D", .code = 5}).description(),
+            "Error Domain=D Code=5 \"The operation couldn't be completed. (D error 5.)\"");
+}
+
+TEST(Format, NamesAFailureOfTheSystemByItsNumberAndWhatFailed) {
+  const auto error = posixError(2, "open");
+  EXPECT_EQ(error.domain, NSPOSIXErrorDomain);
+  EXPECT_EQ(error.code, 2);
+  EXPECT_EQ(error.underlyingErrno, 2);
+  EXPECT_EQ(error.localizedDescription, "open: No such file or directory");
 }
 
 TEST(Format, PrintsContainersOverSeveralLines) {
