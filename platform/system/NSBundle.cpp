@@ -60,7 +60,11 @@ class NSBundle::Contents {
 
   std::optional<Value> info(std::string_view key) {
     const std::lock_guard lock(infoMutex_);
-    if (!info_) info_ = propertyList("Info.plist").value_or(Dictionary());
+    if (!info_) {
+      // What is wrong with the file is told to the log, which asks for the identifier in turn.
+      info_.emplace();
+      info_ = propertyList("Info.plist").value_or(Dictionary());
+    }
     const Value* value = info_->find(key);
     return value != nullptr ? std::optional(*value) : std::nullopt;
   }
@@ -136,7 +140,7 @@ class NSBundle::Contents {
   const std::string path_;
   const Languages preferredLanguages_;
   // Taken after `textsMutex_`: the user's languages ask for the main bundle's identifier.
-  std::mutex infoMutex_;
+  std::recursive_mutex infoMutex_;
   std::optional<Dictionary> info_;
   std::mutex textsMutex_;
   std::optional<std::string> languageFolder_;

@@ -61,6 +61,25 @@ TEST_F(LinuxPreferencesTroubleTest, ReportsAnUnreadableFileOnceNotAtEveryRead) {
   EXPECT_EQ(lines_.size(), 1U);
 }
 
+TEST_F(LinuxPreferencesTroubleTest, WhoIsToldOfTroubleMayReadTheSamePreferences) {
+  folder_.write(kFile, "garbage");
+  setDiagnosticReceiver([this](std::string_view line) {
+    lines_.emplace_back(line);
+    lines_.back() += copy("Key") ? ": set" : ": not set";
+  });
+  EXPECT_EQ(copy("Key"), std::nullopt);
+  ASSERT_EQ(lines_.size(), 1U);
+  EXPECT_TRUE(lines_[0].ends_with("it counts as empty: not set")) << lines_[0];
+  EXPECT_EQ(set("Key", Value(1)), std::nullopt);
+  ASSERT_EQ(lines_.size(), 2U);
+  EXPECT_TRUE(lines_[1].ends_with(".damaged: set")) << lines_[1];
+  fs::remove_all(folder_.path("Library"));
+  folder_.write("Library", "a file where the folder should be");
+  EXPECT_TRUE(set("Key", Value(2)).has_value());
+  EXPECT_FALSE(store_.synchronize(kDomain));
+  EXPECT_EQ(lines_.size(), 3U);
+}
+
 TEST_F(LinuxPreferencesTroubleTest, KeepsAValueThatCannotBeWrittenAndStoresItWithTheNextSuccess) {
   folder_.write("Library", "a file where the folder should be");
   const auto error = set("First", Value(1));

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <mutex>
 #include <utility>
 
 #include "platform/base/Diagnostics.h"
@@ -21,8 +22,26 @@ bool mayPass(int error) {
 
 }  // namespace
 
+// Holds the lock. Who is told of trouble may read these very preferences (the log does), so the
+// lock is let go first.
+class PreferencesFile::Access {
+ public:
+  explicit Access(PreferencesFile& file) : file_(file), lock_(file.mutex_) {}
+  Access(const Access&) = delete;
+  Access& operator=(const Access&) = delete;
+  ~Access() {
+    const std::vector<std::string> lines = std::exchange(file_.lines_, {});
+    lock_.unlock();
+    for (const std::string& line : lines) reportDiagnostic(line);
+  }
+
+ private:
+  PreferencesFile& file_;
+  std::unique_lock<std::mutex> lock_;
+};
+
 std::optional<Value> PreferencesFile::value(std::string_view key) {
-  const std::lock_guard lock(mutex_);
+  const Access access(*this);
   if (const auto change = pending_.find(key); change != pending_.end()) return change->second;
   refresh();
   if (!root_) return std::nullopt;
@@ -35,15 +54,15 @@ std::optional<NSError> PreferencesFile::setValue(std::string_view key,
   if (!isPropertyListText(key) || (value && !nodeOfValue(*value))) {
     return posixError(EINVAL, path_ + ", value of \"" + std::string(key) + "\"");
   }
-  const std::lock_guard lock(mutex_);
+  const Access access(*this);
   pending_.insert_or_assign(std::string(key), value);
   return storePending();
 }
 
 bool PreferencesFile::synchronize() {
-  const std::lock_guard lock(mutex_);
+  const Access access(*this);
   if (const auto error = storePending()) {
-    reportDiagnostic(error->localizedDescription);
+    lines_.push_back(error->localizedDescription);
     return false;
   }
   if (!unflushed_) return true;
@@ -51,7 +70,7 @@ bool PreferencesFile::synchronize() {
   const int error = target ? flushFileAndFolder(*target) : errno;
   // Removed meanwhile by another program: nothing of ours is left to make durable.
   if (error != 0 && error != ENOENT) {
-    reportDiagnostic(failure(error).localizedDescription);
+    lines_.push_back(failure(error).localizedDescription);
     return false;
   }
   unflushed_ = false;
@@ -90,9 +109,9 @@ void PreferencesFile::take(FileBytes file) {
 
 void PreferencesFile::reportTrouble(int error) {
   if (error == EILSEQ) {
-    reportDiagnostic(path_ + " is no property list with keys; it counts as empty");
+    lines_.push_back(path_ + " is no property list with keys; it counts as empty");
   } else {
-    reportDiagnostic(failure(error).localizedDescription + "; it counts as empty");
+    lines_.push_back(failure(error).localizedDescription + "; it counts as empty");
   }
 }
 
@@ -142,7 +161,7 @@ std::optional<NSError> PreferencesFile::replace(const std::string& target) {
       std::remove(fresh.c_str());
       return failure(error);
     }
-    reportDiagnostic(target + " could not be read; it was set aside as " + *name);
+    lines_.push_back(target + " could not be read; it was set aside as " + *name);
   }
   if (std::rename(fresh.c_str(), target.c_str()) != 0) {
     const int error = errno;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/base/NSError.h"
 #include "platform/base/Value.h"
@@ -21,7 +22,7 @@ struct PreferencesLimits {
   std::size_t largestFile = kLargestPropertyListFile;
 };
 
-// One domain's property-list file. Any thread.
+// One domain's property-list file. Any thread; also from inside the receiver of a diagnostic of it.
 class PreferencesFile {
  public:
   PreferencesFile(std::string path, const PreferencesLimits& limits)
@@ -36,6 +37,8 @@ class PreferencesFile {
   bool synchronize();
 
  private:
+  class Access;
+
   // Unreadable: nothing but setting it aside helps. Unavailable: trying again may help.
   enum class State { Unknown, Missing, Read, Unreadable, Unavailable };
 
@@ -56,6 +59,8 @@ class PreferencesFile {
   PropertyListNode root_;
   std::map<std::string, std::optional<Value>, std::less<>> pending_;
   bool unflushed_ = false;
+  // What is to be reported when the lock is let go.
+  std::vector<std::string> lines_;
 };
 
 }  // namespace vornix

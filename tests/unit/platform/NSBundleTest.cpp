@@ -109,6 +109,19 @@ TEST_F(NSBundleTest, ReportsAnInformationFileThatIsNoPropertyListAndTreatsItAsEm
   EXPECT_EQ(lines.size(), 1U);
 }
 
+TEST_F(NSBundleTest, MayBeAskedByWhoeverIsToldThatItsInformationIsBroken) {
+  files_.setFile("/b/Info.plist", "garbage");
+  const NSBundle broken = bundle({});
+  int told = 0;
+  setDiagnosticReceiver([&](std::string_view) {
+    ++told;
+    EXPECT_EQ(broken.bundleIdentifier(), std::nullopt);
+  });
+  EXPECT_EQ(broken.bundleIdentifier(), std::nullopt);
+  setDiagnosticReceiver({});
+  EXPECT_EQ(told, 1);
+}
+
 TEST_F(NSBundleTest, AnswersPropertyListsAmongTheResources) {
   files_.setPropertyList("/b/Analytics.plist", Dictionary{{"CollectionHost", "host"}});
   EXPECT_EQ(bundle({}).propertyListNamed("Analytics.plist"),

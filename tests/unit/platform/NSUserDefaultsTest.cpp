@@ -8,6 +8,7 @@
 #include "platform/preferences/CFPreferences.h"
 #include "tests/fakes/FakePreferencesStore.h"
 #include "tests/fakes/FakeProcessInfo.h"
+#include "tests/fakes/FakeResourceFiles.h"
 
 namespace vornix {
 namespace {
@@ -198,6 +199,18 @@ TEST(StandardUserDefaultsTest, UsesTheMainBundlesIdentifier) {
   EXPECT_EQ(fakes::processPreferences().contents("com.example.program"),
             (Dictionary{{"Key", "value"}}));
   EXPECT_EQ(NSUserDefaults::standardUserDefaults(), defaults);
+}
+
+TEST(StandardUserDefaultsTest, MayBeAskedForByWhoeverIsToldThatTheMainBundleIsBroken) {
+  fakes::resourceFiles().setFile("/opt/vornix/share/program/Info.plist", "garbage");
+  int told = 0;
+  setDiagnosticReceiver([&](std::string_view) {
+    ++told;
+    EXPECT_NE(NSUserDefaults::standardUserDefaults(), nullptr);
+  });
+  EXPECT_NE(NSUserDefaults::standardUserDefaults(), nullptr);
+  setDiagnosticReceiver({});
+  EXPECT_EQ(told, 1);
 }
 
 TEST(CFPreferencesTest, CopiesAValueFromExactlyOneDomain) {
