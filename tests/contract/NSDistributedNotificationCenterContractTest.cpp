@@ -121,6 +121,16 @@ TEST(BusDistributedNotificationCenter, SendsAPathThatIsNoTextAsAFileUrl) {
             (Dictionary{{"Files", Array{"/plain", "file:///a%20%FF%25%C3%BC"}}}));
 }
 
+TEST(BusDistributedNotificationCenter, SendsAPathWithACharacterThatTheBusRefusesAsAFileUrl) {
+  RealSession session;
+  session.center().postNotificationName("n", "",
+                                        {{"Files", Array{"/a\uFFFF", "/\uFDD0", "/\uFFFD"}}}, true);
+  const auto heard = session.hear(1);
+  ASSERT_THAT(heard, SizeIs(1));
+  EXPECT_EQ(heard[0].userInfo,
+            (Dictionary{{"Files", Array{"file:///a%EF%BF%BF", "file:///%EF%B7%90", "/\uFFFD"}}}));
+}
+
 TEST(BusDistributedNotificationCenter, ReportsASessionThatCannotBeReached) {
   std::vector<std::string> lines;
   setDiagnosticReceiver([&](std::string_view line) { lines.emplace_back(line); });

@@ -4,6 +4,7 @@
 
 #include "platform/base/Diagnostics.h"
 #include "platform/base/Text.h"
+#include "platform/base/Utf8.h"
 
 namespace vornix {
 namespace {
@@ -33,6 +34,21 @@ std::string fileUrl(std::string_view path) {
   return url;
 }
 
+// The bus library refuses a whole message for one of these, well-formed though they are.
+bool isNoncharacter(char32_t codePoint) {
+  return (codePoint >= 0xFDD0 && codePoint <= 0xFDEF) || (codePoint & 0xFFFEU) == 0xFFFEU;
+}
+
+bool canBeSent(std::string_view path) {
+  if (!text::isValidUtf8(path)) return false;
+  while (!path.empty()) {
+    const text::DecodedCharacter character = text::decodeCharacter(path);
+    if (isNoncharacter(character.codePoint)) return false;
+    path.remove_prefix(character.length);
+  }
+  return true;
+}
+
 // The bus carries texts; a path may be any bytes.
 Value withSendablePaths(const Value& value) {
   const auto* paths = value.as<Array>();
@@ -42,7 +58,7 @@ Value withSendablePaths(const Value& value) {
   Array sendable;
   for (const Value& path : *paths) {
     const auto* text = path.as<std::string>();
-    sendable.push_back(text != nullptr && !text::isValidUtf8(*text) ? Value(fileUrl(*text)) : path);
+    sendable.push_back(text != nullptr && !canBeSent(*text) ? Value(fileUrl(*text)) : path);
   }
   return sendable;
 }
