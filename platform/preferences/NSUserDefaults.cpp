@@ -78,7 +78,7 @@ void NSUserDefaults::removeObjectForKey(std::string_view key) {
 void NSUserDefaults::setOwn(std::string_view key, const std::optional<Value>& value) {
   if (!domain_.empty()) {
     if (const auto error = store_.setValue(key, value, domain_)) {
-      reportDiagnostic(error->description());
+      reportDiagnostic(error->localizedDescription);
     }
     return;
   }

@@ -152,7 +152,7 @@ TEST_F(NSUserDefaultsTest, ReportsAWriteThatFailsAndStillReadsTheValue) {
   setDiagnosticReceiver([&](std::string_view line) { lines.emplace_back(line); });
   store_.failWrites(true);
   defaults_->setObject(5, "Key");
-  EXPECT_EQ(lines.size(), 1U);
+  EXPECT_EQ(lines, std::vector{posixError(28, kOwn).localizedDescription});
   EXPECT_EQ(defaults_->integerForKey("Key"), 5);
   EXPECT_FALSE(defaults_->synchronize());
 }
