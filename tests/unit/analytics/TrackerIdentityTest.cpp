@@ -157,6 +157,21 @@ TEST_F(Identity, KeepsWhatItIsGiven) {
   tracker().setCurrentState(defaults_);
   EXPECT_EQ(tracker().currentController(), tester_);
   EXPECT_EQ(tracker().currentState(), defaults_);
+  tracker().setLaunchDate(Date::fromUnixTime(7));
+  EXPECT_EQ(tracker().launchDate(), Date::fromUnixTime(7));
+}
+
+TEST_F(Identity, SendsTheCopyOfEveryHitToTheBackupIdentifierThatItIsGiven) {
+  tracker().setAnalyticsBackupIdentifier("UA-8-8");
+  tracker().trackEventWithParameters({});
+  EXPECT_THAT(sent("tid"), ElementsAre("UA-1-1", "UA-8-8"));
+}
+
+TEST_F(Identity, BeginsTheUrlWithTargetApplicationVersionAndClient) {
+  installMainApplication("3.4");
+  EXPECT_EQ(tracker().baseURLStringForGAID("UA-7-7"),
+            "https://collect.example/collect?v=1&tid=UA-7-7&an=Vornix&av=3.4&cid=" +
+                tracker().userIdentifier());
 }
 
 TEST_F(Identity, ReadsNoConfigurationAndMakesNoClientBeforeTheFirstHit) {
