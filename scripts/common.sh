@@ -51,6 +51,17 @@ step() { # TITLE COMMAND [ARGUMENTS]
   printf '%6d s  %s\n' $((SECONDS - started)) "$title" >>"$root/build/logs/times"
 }
 
+configure_preset() { # PRESET
+  local options=()
+  if command -v ccache >/dev/null; then options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
+  step "configure $1" cmake --preset "$1" "${options[@]}"
+}
+
+build_preset() { # PRESET
+  configure_preset "$1"
+  step "build $1" cmake --build --preset "$1"
+}
+
 as_root() {
   if ((EUID == 0)); then
     "$@"
@@ -73,15 +84,16 @@ packages_for() { # GROUP
   case $1 in
     build)
       echo g++ cmake ninja-build pkg-config libplist-dev libsystemd-dev libcurl4-openssl-dev \
-        libicu-dev libmd-dev libglib2.0-dev libxcb1-dev libxcb-randr0-dev libgtest-dev libgmock-dev
+        libicu-dev libmd-dev libglib2.0-dev libxcb1-dev libxcb-randr0-dev
       ;;
+    dev-build) packages_for build; echo libgtest-dev libgmock-dev ;;
     test)
       echo python3 python3-gi gir1.2-glib-2.0 dbus xvfb xfce4-notifyd xfconf \
         mate-notification-daemon dunst xdotool imagemagick fonts-dejavu-core nginx-light openssl \
         util-linux valgrind adwaita-icon-theme libplist-utils
       ;;
     lint) echo clang-format clang-tidy shellcheck python3 ;;
-    demo) echo python3 python3-gi gir1.2-glib-2.0 dbus nginx-light openssl ;;
+    demo) echo python3 dbus nginx-light openssl util-linux ;;
   esac
 }
 
@@ -94,7 +106,7 @@ lacking_packages() { # PACKAGE...
 }
 
 run_apt() { # ARGUMENTS
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 "$@"
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 -o DPkg::Lock::Timeout=600 "$@"
 }
 
 apt_install() { # PACKAGE...

@@ -1,11 +1,10 @@
-"""The files of the demonstration: preferences, the agent's configuration, and what the collector
-saw, in plain words."""
+"""The files of the demonstration: preferences, the agent's configuration, the request."""
 
 import datetime
+import json
 import plistlib
 import socket
 import sys
-import urllib.parse
 
 
 def free_port():
@@ -37,26 +36,9 @@ def write_preferences(folder):
             plistlib.dump(values, target, fmt=plistlib.FMT_BINARY)
 
 
-def identifier_names(settings):
-    names = {settings["BackupIdentifier"]: "backup", settings["ProductionIdentifier"]: "main"}
-    for category, identifier in settings["CategoryIdentifiers"].items():
-        names.setdefault(identifier, f"category {category}")
-    return names
-
-
-def report_hits(log, configuration, action, lead):
-    with open(configuration, "rb") as source:
-        names = identifier_names(plistlib.load(source))
-    with open(log, encoding="utf-8") as source:
-        hits = [urllib.parse.parse_qs(urllib.parse.urlsplit(line.strip()).query) for line in source]
-    matching = [hit for hit in hits if hit.get("ea") == [action]]
-    print(f'{lead}The collector received the event "{action}" {len(matching)} times:')
-    for hit in matching:
-        identifier = hit["tid"][0]
-        print(
-            f'      - {names.get(identifier, "unknown")} identifier {identifier}: '
-            f'category {hit["ec"][0]}, time {hit["el"][0]}, value {hit["ev"][0]}'
-        )
+def request_words(record):
+    with open(record, encoding="utf-8") as source:
+        print(*json.loads(source.readline())["arguments"])
 
 
 if __name__ == "__main__":
@@ -64,6 +46,6 @@ if __name__ == "__main__":
         "free-port": free_port,
         "configure-analytics": configure_analytics,
         "write-preferences": write_preferences,
-        "report-hits": report_hits,
+        "request-words": request_words,
     }
     commands[sys.argv[1]](*sys.argv[2:])

@@ -74,4 +74,11 @@ std::string actionForKey(const ReminderCard& card, char key) {
   return key >= '1' && index < card.buttons.size() ? card.buttons[index].first : std::string();
 }
 
+std::string labelOf(const ReminderCard& card, std::string_view action) {
+  for (const auto& [key, label] : card.buttons) {
+    if (key == action) return label;
+  }
+  return card.title;
+}
+
 }  // namespace vornix::demo

@@ -27,4 +27,7 @@ struct ReminderCard {
 // other key.
 [[nodiscard]] std::string actionForKey(const ReminderCard& card, char key);
 
+// What a person calls an action: its button's label, or the title for the body's action.
+[[nodiscard]] std::string labelOf(const ReminderCard& card, std::string_view action);
+
 }  // namespace vornix::demo

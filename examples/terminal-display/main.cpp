@@ -1,5 +1,5 @@
 // A notification server for the terminal: it draws what is posted, and takes the click from the
-// keyboard, or from SIGUSR1 ("Launch") where nobody can press a key.
+// keyboard, or from SIGUSR1 (the first button) where nobody can press a key.
 #include <sys/signalfd.h>
 #include <termios.h>
 #include <unistd.h>
@@ -45,20 +45,17 @@ class TerminalDisplay {
 
   void press(char key) {
     if (shown_.empty()) return;
-    const std::string action = actionForKey(shown_.rbegin()->second, key);
-    if (!action.empty()) invoke(action);
-  }
-
-  void invoke(const std::string& action) {
-    if (shown_.empty()) return;
     const std::uint32_t id = shown_.rbegin()->first;
+    const std::string action = actionForKey(shown_.at(id), key);
+    if (action.empty()) return;
+    std::printf("  ► %s\n", labelOf(shown_.at(id), action).c_str());
+    std::fflush(stdout);
     shown_.erase(id);
     emit("ActionInvoked", [id, &action](BusMessage& signal) {
       signal.writeUint32(id);
       signal.writeString(action);
     });
     emitClosed(id, kDismissedByPerson);
-    if (action == "cancel") NSRunLoop::mainRunLoop()->stop();
   }
 
  private:
@@ -74,7 +71,7 @@ class TerminalDisplay {
     shown_[id] = makeCard(title, text, actions);
     std::fputs(draw(shown_[id]).c_str(), stdout);
     if (isatty(STDIN_FILENO) != 0) {
-      std::puts("  Press the number of a button, or Enter for the reminder itself.");
+      std::puts("  Keys: the number of a button, or Enter to click the reminder itself.");
     }
     std::fflush(stdout);
     call.reply([id](BusMessage& reply) { reply.writeUint32(id); });
@@ -113,7 +110,7 @@ class RawKeyboard final : public RunLoopSource {
     if (tcgetattr(STDIN_FILENO, &before_) != 0) return;
     termios raw = before_;
     raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
-    isRaw_ = tcsetattr(STDIN_FILENO, TCSANOW, &raw) == 0;
+    isRaw_ = tcsetattr(STDIN_FILENO, TCSAFLUSH, &raw) == 0;
   }
   ~RawKeyboard() override { restore(); }
   RawKeyboard(const RawKeyboard&) = delete;
@@ -154,7 +151,7 @@ class Signals final : public RunLoopSource {
     signalfd_siginfo information{};
     if (read(descriptor_, &information, sizeof information) != sizeof information) return;
     if (information.ssi_signo == SIGUSR1) {
-      display_.invoke("launch");
+      display_.press('1');
     } else {
       end_();
     }
