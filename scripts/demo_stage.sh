@@ -103,17 +103,17 @@ start_collector() {
   : >"$folder/hits"
   openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 \
     -subj "/CN=Vornix demonstration" -addext "subjectAltName=IP:127.0.0.1" \
-    -keyout "$folder/key.pem" -out "$folder/certificate.pem" >"$folder/error.log" 2>&1 ||
-    fail "no certificate could be made: $(first_error "$folder/error.log")"
+    -keyout "$folder/key.pem" -out "$folder/certificate.pem" >"$folder/openssl.log" 2>&1 ||
+    fail "no certificate could be made: $(first_error "$folder/openssl.log")"
   for try in 1 2 3; do
     port=$(demo_files free-port)
     write_collector_configuration "$folder" "$port"
     PATH=$PATH:/usr/sbin nginx -e "$folder/error.log" -c "$folder/nginx.conf" -p "$folder" \
-      >"$folder/output" 2>&1 &
+      2>"$folder/output" &
     collector=$!
     wait_until 10 collector_is_up_or_gone || true
     if [[ -s $folder/pid ]]; then break; fi
-    ((try < 3)) || fail "the collector did not start: $(first_error "$folder/error.log")"
+    ((try < 3)) || fail "the collector did not start: $(first_error "$folder/output")"
   done
   demo_files configure-analytics "$prefix/share/vornix-scheduler/Analytics.plist" \
     "127.0.0.1:$port" "$folder/certificate.pem"
