@@ -5,8 +5,9 @@ target_compile_options(vornix_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
   -ffunction-sections -fdata-sections -fvisibility=hidden)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # This compiler sees overlaps in std::string that are not there (its bug 105651).
-  target_compile_options(vornix_options INTERFACE -Wno-restrict)
+  # This compiler sees overlaps in std::string (its bug 105651) and, where it optimizes for size,
+  # unset values in std::optional that are not there.
+  target_compile_options(vornix_options INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
 endif()
 target_include_directories(vornix_options INTERFACE "${CMAKE_SOURCE_DIR}")
 # The real platform comes as a bundle of objects: what a program does not reach is left out, and what
@@ -45,10 +46,14 @@ function(vornix_library name)
   target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>")
 endfunction()
 
+include(CheckLinkerFlag)
+check_linker_flag(CXX -Wl,-z,pack-relative-relocs VORNIX_LINKER_PACKS_RELOCATIONS)
+
 # A program that carries its own C++ runtime: loading the shared one costs more than all its work.
 function(vornix_lean_program name)
   target_link_libraries(${name} PRIVATE vornix_options)
-  target_link_options(${name} PRIVATE -Wl,--as-needed -Wl,-O1)
+  target_link_options(${name} PRIVATE -Wl,--as-needed -Wl,-O1
+    $<$<BOOL:${VORNIX_LINKER_PACKS_RELOCATIONS}>:-Wl,-z,pack-relative-relocs>)
   if(NOT VORNIX_SANITIZE)
     target_link_options(${name} PRIVATE -static-libstdc++ -static-libgcc)
   endif()

@@ -5,19 +5,20 @@ import datetime
 import os
 import plistlib
 import re
+import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
 import time
 
-PAIRS = 101
+PAIRS = 501
 
 
 def home_with_nothing_due(folder):
     preferences = os.path.join(folder, "Library", "Preferences")
     os.makedirs(preferences)
-    now = datetime.datetime.now(datetime.timezone.utc).replace(tzinfo=None, microsecond=0)
+    now = datetime.datetime.now(datetime.timezone.utc).replace(tzinfo=None)
     domains = {
         "com.orvane.Vornix3": {
             "SchedulerPeriod": 3,
@@ -31,10 +32,21 @@ def home_with_nothing_due(folder):
             plistlib.dump(values, target, fmt=plistlib.FMT_BINARY)
 
 
+def installed_agent(build, agent, folder):
+    """The tree that is shipped, with the agent that does not wait in the agent's place."""
+    subprocess.run(
+        ["cmake", "--install", build, "--prefix", folder], check=True, stdout=subprocess.DEVNULL
+    )
+    program = os.path.join(folder, "libexec", "vornix", "vornix-scheduler")
+    shutil.copy(agent, program)
+    subprocess.run(["strip", program], check=True)
+    return program
+
+
 def wall_seconds(command, environment):
     started = time.perf_counter()
-    process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL)
-    status = process.wait()
+    process = os.posix_spawn(command[0], command, environment)
+    _, status = os.waitpid(process, 0)
     seconds = time.perf_counter() - started
     if status != 0:
         sys.exit(f"{command[0]} ended with status {status}")
@@ -64,9 +76,14 @@ def peak_kib(command, environment):
     return int(run.stderr.strip().splitlines()[-1])
 
 
-def main(agent, floor):
+def main(build):
+    programs = os.path.join(build, "bench", "usual-run")
+    floor = os.path.join(programs, "bench-floor")
     with tempfile.TemporaryDirectory() as folder:
         home_with_nothing_due(folder)
+        agent = installed_agent(
+            build, os.path.join(programs, "bench-usual-run"), os.path.join(folder, "prefix")
+        )
         environment = {"HOME": folder, "PATH": "/usr/bin:/bin", "LANG": "C.UTF-8"}
         ratios = []
         for _ in range(PAIRS):

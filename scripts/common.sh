@@ -93,6 +93,7 @@ packages_for() { # GROUP
         util-linux valgrind adwaita-icon-theme libplist-utils
       ;;
     lint) echo clang-format clang-tidy shellcheck python3 ;;
+    bench) echo python3 valgrind time binutils ;;
     demo) echo python3 dbus nginx-light openssl util-linux ;;
   esac
 }

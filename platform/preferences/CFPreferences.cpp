@@ -18,7 +18,8 @@ void CFPreferencesSetValue(PreferencesStore& store, std::string_view key,
     reportDiagnostic("The preference \"" + std::string(key) + "\" cannot hold a null object");
     return;
   }
-  if (const auto error = store.setValue(key, value, domain)) reportDiagnostic(error->localizedDescription);
+  if (const auto error = store.setValue(key, value, domain))
+    reportDiagnostic(error->localizedDescription);
 }
 
 bool CFPreferencesSynchronize(PreferencesStore& store, std::string_view domain) {

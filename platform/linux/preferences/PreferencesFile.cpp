@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/base/Diagnostics.h"
+#include "platform/linux/preferences/BinaryPropertyList.h"
 #include "platform/linux/preferences/FileReplacement.h"
 #include "platform/linux/preferences/PreferencesLock.h"
 
@@ -45,8 +46,20 @@ std::optional<Value> PreferencesFile::value(std::string_view key) {
   if (const auto change = pending_.find(key); change != pending_.end()) return change->second;
   refresh();
   if (!root_) return std::nullopt;
-  plist_t node = plist_dict_get_item(root_.get(), std::string(key).c_str());
-  return node != nullptr ? valueOfNode(node) : std::nullopt;
+  if (const auto found = known_.find(key); found != known_.end()) return found->second;
+  const std::string name(key);
+  return known_.emplace(name, valueOfRoot(name)).first->second;
+}
+
+std::optional<Value> PreferencesFile::valueOfRoot(const std::string& key) const {
+  plist_t node = plist_dict_get_item(root_.get(), key.c_str());
+  if (node == nullptr) return std::nullopt;
+  // Taking a date out of a node costs more than reading the file did.
+  if (plist_get_node_type(node) == PLIST_DATE) {
+    const auto list = BinaryPropertyList::open(bytes_);
+    if (const auto date = list ? list->date(key) : std::nullopt) return Value(*date);
+  }
+  return valueOfNode(node);
 }
 
 std::optional<NSError> PreferencesFile::setValue(std::string_view key,
@@ -85,22 +98,27 @@ void PreferencesFile::refresh() {
   take(readFileBytes(path_, limits_.largestFile));
 }
 
+void PreferencesFile::setRoot(PropertyListNode root, std::string bytes) {
+  root_ = std::move(root);
+  bytes_ = std::move(bytes);
+  known_.clear();
+}
+
 void PreferencesFile::take(FileBytes file) {
   const int previousError = std::exchange(error_, file.error);
   const bool reported = state_ == State::Unreadable || state_ == State::Unavailable;
   stamp_ = file.stamp;
-  root_.reset();
+  setRoot(nullptr);
   if (file.error == ENOENT || file.error == ENOTDIR) {
     state_ = State::Missing;
     return;
   }
   if (file.error == 0) {
-    root_ = parsePropertyListNode(file.bytes);
-    if (isDictionaryNode(root_.get())) {
+    if (auto root = parsePropertyListNode(file.bytes); isDictionaryNode(root.get())) {
+      setRoot(std::move(root), std::move(file.bytes));
       state_ = State::Read;
       return;
     }
-    root_.reset();
     error_ = EILSEQ;
   }
   state_ = mayPass(error_) && error_ != EILSEQ ? State::Unavailable : State::Unreadable;
@@ -123,10 +141,10 @@ std::optional<NSError> PreferencesFile::storePending() {
   if (!lock) return failure(errno);
   refresh();
   if (state_ == State::Unavailable) return failure(error_);
-  if (!root_) root_ = makeDictionaryNode();
+  setRoot(root_ ? std::move(root_) : makeDictionaryNode());
   auto error = applyPending(root_.get()) ? replace(*target) : std::nullopt;
   if (error || state_ != State::Read) {
-    root_.reset();
+    setRoot(nullptr);
     state_ = State::Unknown;
   }
   if (!error) pending_.clear();

@@ -42,7 +42,10 @@ class PreferencesFile {
   // Unreadable: nothing but setting it aside helps. Unavailable: trying again may help.
   enum class State { Unknown, Missing, Read, Unreadable, Unavailable };
 
+  // Looks for changes of other programs; what was read stays when there are none.
   void refresh();
+  void setRoot(PropertyListNode root, std::string bytes = {});
+  [[nodiscard]] std::optional<Value> valueOfRoot(const std::string& key) const;
   void take(FileBytes file);
   void reportTrouble(int error);
   std::optional<NSError> storePending();
@@ -57,6 +60,10 @@ class PreferencesFile {
   int error_ = 0;
   FileStamp stamp_;
   PropertyListNode root_;
+  // What `root_` was read from; empty once it was changed.
+  std::string bytes_;
+  // What was asked of `root_` so far.
+  std::map<std::string, std::optional<Value>, std::less<>> known_;
   std::map<std::string, std::optional<Value>, std::less<>> pending_;
   bool unflushed_ = false;
   // What is to be reported when the lock is let go.

@@ -29,9 +29,9 @@ double monotonicNow() {
 }
 
 timespec roundedUp(double seconds) {
-  const double whole = std::floor(seconds);
-  const auto nanoseconds = static_cast<long>(std::ceil((seconds - whole) * 1e9));
-  const auto wholeSeconds = static_cast<time_t>(whole);
+  const auto wholeSeconds = static_cast<time_t>(seconds);
+  const auto nanoseconds =
+      static_cast<long>((seconds - static_cast<double>(wholeSeconds)) * 1e9) + 1;
   if (nanoseconds >= 1000000000L) return {wholeSeconds + 1, 0};
   return {wholeSeconds, nanoseconds};
 }
@@ -87,7 +87,7 @@ class LinuxEventWaiter final : public EventWaiter {
 
 std::vector<std::size_t> LinuxEventWaiter::wait(std::optional<double> deadline,
                                                 std::span<const WaitHandle> handles) {
-  if (deadline && !(*deadline - now() < kFarAwaySeconds)) deadline.reset();
+  if (deadline && !(*deadline - now() < kFarAwaySeconds)) return wait(std::nullopt, handles);
   const bool isOver = deadline && *deadline <= now();
   if (!isOver) openWakeUp();
   int expected = Idle;

@@ -7,6 +7,7 @@
 #include "platform/base/Diagnostics.h"
 #include "platform/linux/system/DatePattern.h"
 #include "platform/linux/system/LocaleDates.h"
+#include "platform/linux/system/ProcessZone.h"
 
 namespace vornix {
 namespace {
@@ -64,15 +65,16 @@ class GregorianDateFormatter final : public NSDateFormatter {
   [[nodiscard]] std::string stringFromDate(Date date) override {
     const auto rounded = roundToMilliseconds(date);
     const std::time_t seconds = rounded.seconds;
-    std::tm local{};
-    if (localtime_r(&seconds, &local) == nullptr) return {};
+    const auto local = zone_.localTime(seconds);
+    if (!local) return {};
     std::string text;
-    for (const auto& field : fields_) appendField(text, field, local, rounded.milliseconds);
+    for (const auto& field : fields_) appendField(text, field, *local, rounded.milliseconds);
     return text;
   }
 
  private:
   std::vector<DateField> fields_;
+  ProcessZone zone_;
 };
 
 // Loads ICU for the first date that is printed.
@@ -113,8 +115,6 @@ std::unique_ptr<NSDateFormatter> dateFormatterForLocale(std::string_view pattern
                                                         std::string_view localeName) {
   auto fields = parseDatePattern(pattern);
   if (!fields) return nullptr;
-  // Read now, not with the first date; what is printed later uses it.
-  tzset();
   if (auto icuLocale = icuLocaleOfUnusualDates(parseLocaleName(localeName))) {
     return std::make_unique<LocaleDateFormatter>(pattern, *std::move(fields),
                                                  *std::move(icuLocale));

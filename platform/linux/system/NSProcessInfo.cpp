@@ -90,7 +90,8 @@ class LinuxProcessInfo final : public NSProcessInfo {
   }
 
   [[nodiscard]] std::string executablePath() const override {
-    return withoutDeletedMark(linkTarget("/proc/self/exe"));
+    static const auto& path = *new std::string(withoutDeletedMark(linkTarget("/proc/self/exe")));
+    return path;
   }
 
   [[nodiscard]] std::vector<std::string> localeLanguages() const override {
