@@ -31,13 +31,13 @@ def _is_zombie(pid):
 def command_of(pid):
     """The program's file name; of a script its own, not its interpreter's."""
     try:
+        program = os.path.basename(os.readlink(f"/proc/{pid}/exe")).removesuffix(" (deleted)")
         words = Path("/proc", str(pid), "cmdline").read_bytes().decode(errors="replace").split("\0")
     except OSError:
         return ""
-    names = [os.path.basename(word) for word in words if word]
-    if len(names) > 1 and names[0].startswith(("python3", "sh", "bash")):
-        return next((name for name in names[1:] if not name.startswith("-")), names[0])
-    return names[0] if names else ""
+    if program.startswith(("python3", "sh", "bash", "dash")) and len(words) > 1:
+        return os.path.basename(next((word for word in words[1:] if not word.startswith("-")), ""))
+    return program
 
 
 class Processes:
@@ -78,6 +78,11 @@ class Processes:
 
     def named(self, program):
         return [pid for pid, command in self.others().items() if command == program]
+
+    def end_by_signal(self, pids, how=signal.SIGTERM):
+        for pid in pids:
+            os.kill(pid, how)
+        waiting.wait_for(lambda: all(map(is_gone, pids)), f"{pids} to end on signal {how}")
 
     def end_helpers(self):
         for process in reversed(self._own):
