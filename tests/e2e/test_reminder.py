@@ -20,9 +20,10 @@ class Reminder(AgentCase):
         self.check_processes([CENTRE_PROGRAM])
         self.check_shown_now()
 
-    def test_the_popup_stays_when_the_agent_has_quit_and_looks_as_pictured(self):
+    def test_the_popup_stays_when_the_agent_has_quit(self):
         server, run = show_reminder(self, Xfce)
         self.check_graceful_end(run.wait())
+        # The page of welcome shows a copy of it.
         self.session.screen.picture(server.wait_for_popup(), tree.BUILD.parent / "reminder.png")
 
     def test_buttons_are_launch_and_cancel_and_a_default_where_it_draws_no_button(self):

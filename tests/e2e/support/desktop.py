@@ -1,5 +1,6 @@
 """A screen of its own for each test, real notification servers on it, and a real pointer."""
 
+import glob
 import os
 import subprocess
 import time
@@ -139,7 +140,7 @@ class Xfce(Server):
     places = {"launch": (149, 31), "cancel": (57, 31), "close": (150, 80)}
 
     def command(self):
-        return ["/usr/lib/x86_64-linux-gnu/xfce4/notifyd/xfce4-notifyd"]
+        return [glob.glob("/usr/lib/*/xfce4/notifyd/xfce4-notifyd")[0]]
 
 
 class Mate(Server):
