@@ -14,6 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
+using testing::SizeIs;
 
 constexpr std::uint32_t kUser = 1000;
 
@@ -77,7 +78,7 @@ class RunningApplicationsTest : public testing::Test {
   std::vector<RunningApplicationEntry> entries() {
     const InstalledApplications installed({folder.path("applications")},
                                           ProgramSearch({folder.path("bin")}), "");
-    return findRunningApplications(installed, {folder.path("proc"), kUser}, bus);
+    return findRunningApplications(installed, {folder.path("proc"), kUser}, bus, busAddress);
   }
 
   std::vector<std::pair<std::string, std::int32_t>> running() {
@@ -89,6 +90,7 @@ class RunningApplicationsTest : public testing::Test {
 
   tests::ScratchFolder folder;
   tests::FakeApplicationBus bus;
+  std::string busAddress = "unix:path=/run/user/1000/bus";
 };
 
 TEST_F(RunningApplicationsTest, FindsNothingWhereNothingRuns) {
@@ -148,6 +150,23 @@ TEST_F(RunningApplicationsTest, BelievesALaunchersVariablesOnlyForTheProcessThey
   show({.process = 14,
         .environment = {"GIO_LAUNCHED_DESKTOP_FILE=/x/other", "GIO_LAUNCHED_DESKTOP_FILE_PID=14"}});
   EXPECT_THAT(running(), ElementsAre(Pair("org.example.App", 10), Pair("other", 13)));
+}
+
+TEST_F(RunningApplicationsTest, LeavesOutWhatRunsInAnotherSessionUnlessItsUnitOrNameSaysIt) {
+  makeProgram("bin/app");
+  const auto file = install("org.example.App", "app");
+  const std::string elsewhere = "DBUS_SESSION_BUS_ADDRESS=unix:path=/tmp/other";
+  const std::vector<std::string> launched{"GIO_LAUNCHED_DESKTOP_FILE=" + file,
+                                          "GIO_LAUNCHED_DESKTOP_FILE_PID=10", elsewhere};
+  show({.process = 10, .environment = launched});
+  show({.process = 11, .environment = {elsewhere}, .program = "bin/app"});
+  show({.process = 12, .unit = "/app-org.example.App-1.scope", .environment = {elsewhere}});
+  show({.process = 13,
+        .environment = {"DBUS_SESSION_BUS_ADDRESS=unix:path=/run/user/1000/bus,guid=1"},
+        .program = "bin/app"});
+  EXPECT_THAT(running(), ElementsAre(Pair("org.example.App", 12), Pair("org.example.App", 13)));
+  busAddress.clear();
+  EXPECT_THAT(running(), SizeIs(4));
 }
 
 TEST_F(RunningApplicationsTest, NamesANestedEntryByItsIdentifier) {
@@ -275,7 +294,8 @@ TEST_F(RunningApplicationsTest, SurvivesProcessesThatVanishOrMakeNoSense) {
 
 TEST_F(RunningApplicationsTest, AFolderWithoutProcessesIsNoTrouble) {
   const InstalledApplications installed({}, ProgramSearch({}), "");
-  EXPECT_THAT(findRunningApplications(installed, {folder.path("nowhere"), kUser}, bus), IsEmpty());
+  EXPECT_THAT(findRunningApplications(installed, {folder.path("nowhere"), kUser}, bus, busAddress),
+              IsEmpty());
 }
 
 }  // namespace

@@ -47,6 +47,12 @@ std::vector<std::string> environmentOfProcess() {
   return environment;
 }
 
+std::string busAddressOf(const NSProcessInfo& process) {
+  const std::string folder = variable(process, "XDG_RUNTIME_DIR", "");
+  return variable(process, "DBUS_SESSION_BUS_ADDRESS",
+                  folder.empty() ? "" : "unix:path=" + folder + "/bus");
+}
+
 std::string currentFolder() {
   std::array<char, PATH_MAX> path{};
   return getcwd(path.data(), path.size()) != nullptr ? std::string(path.data()) : std::string("/");
@@ -61,6 +67,7 @@ DesktopSession DesktopSession::ofProcess(const NSProcessInfo& process) {
               process, "PATH", "/usr/local/bin:/usr/bin:/bin:/usr/local/games:/usr/games")),
           .locale = localeOf(process),
           .environment = environmentOfProcess(),
+          .busAddress = busAddressOf(process),
           .workingDirectory = currentFolder(),
           .user = geteuid(),
           .openTool = text::appendingPathComponent(programs, "vornix-open")};

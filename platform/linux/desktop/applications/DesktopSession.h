@@ -20,6 +20,8 @@ struct DesktopSession {
   std::string locale;
   // What started applications inherit, "NAME=VALUE".
   std::vector<std::string> environment;
+  // Of its message bus; empty where nothing names one.
+  std::string busAddress;
   // Files named without a folder are in this one.
   std::string workingDirectory;
   // Where the kernel shows its processes.

@@ -30,7 +30,7 @@ class LinuxApplicationService final : public ApplicationService {
         processes_(session_.processTable()) {}
 
   [[nodiscard]] std::vector<RunningApplicationEntry> runningApplications() override {
-    return findRunningApplications(installed_, processes_, bus_);
+    return findRunningApplications(installed_, processes_, bus_, session_.busAddress);
   }
 
   [[nodiscard]] std::optional<std::string> applicationPath(std::string_view identifier) override {

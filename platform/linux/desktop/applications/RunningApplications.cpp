@@ -13,11 +13,18 @@
 namespace vornix::desktop {
 namespace {
 
+// One bus may go with and without its number.
+std::string withoutDetails(std::string_view busAddress) {
+  return std::string(busAddress.substr(0, busAddress.find(',')));
+}
+
 class Search {
  public:
-  Search(const InstalledApplications& installed, const ProcessTable& table, ApplicationBus& bus)
+  Search(const InstalledApplications& installed, const ProcessTable& table, ApplicationBus& bus,
+         std::string_view busAddress)
       : table_(table),
         bus_(bus),
+        busAddress_(withoutDetails(busAddress)),
         entries_(installed.entries()),
         programs_(entries_, installed.programs()),
         processes_(table.processes()) {
@@ -51,6 +58,7 @@ class Search {
     const auto unit = unitOf(process.identifier);
     const std::string ofUnit = unit ? identifierOfUnit(*unit) : std::string();
     if (!ofUnit.empty() && !isTaken(ofUnit, unit)) return take(process.identifier, ofUnit, unit);
+    if (isOfAnotherSession(process.identifier)) return;
     if (const auto launched = identifierFromLauncher(process.identifier); !launched.empty()) {
       if (!isTaken(launched, unit)) take(process.identifier, launched, unit);
       return;
@@ -58,6 +66,11 @@ class Search {
     const std::string ofProgram = programs_.identifierOf(table_, process);
     const bool isHelper = isTaken(ofProgram, unit) || hasAncestor(process, ofProgram);
     if (!ofProgram.empty() && !isHelper) take(process.identifier, ofProgram, unit);
+  }
+
+  [[nodiscard]] bool isOfAnotherSession(std::int32_t process) const {
+    const auto address = table_.startVariable(process, "DBUS_SESSION_BUS_ADDRESS");
+    return address && !busAddress_.empty() && withoutDetails(*address) != busAddress_;
   }
 
   void take(std::int32_t process, const std::string& identifier,
@@ -119,6 +132,7 @@ class Search {
 
   const ProcessTable& table_;
   ApplicationBus& bus_;
+  std::string busAddress_;
   std::vector<DesktopEntry> entries_;
   ProgramIndex programs_;
   std::vector<Process> processes_;
@@ -133,8 +147,9 @@ class Search {
 
 std::vector<RunningApplicationEntry> findRunningApplications(const InstalledApplications& installed,
                                                              const ProcessTable& table,
-                                                             ApplicationBus& bus) {
-  return Search(installed, table, bus).run();
+                                                             ApplicationBus& bus,
+                                                             std::string_view busAddress) {
+  return Search(installed, table, bus, busAddress).run();
 }
 
 }  // namespace vornix::desktop

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "platform/desktop/ApplicationService.h"
@@ -13,7 +14,10 @@ namespace vornix::desktop {
 // equal to an installed identifier; the application's unit in the control groups; the variables
 // that launchers set for the process that they start; the program or script of an installed entry.
 // Helper processes of an application are left out. In launch order.
+// The last two count only for processes that know no message bus or the one at `busAddress`: of
+// another session of the same person, nobody would hear us. An empty address is that of any.
 [[nodiscard]] std::vector<RunningApplicationEntry> findRunningApplications(
-    const InstalledApplications& installed, const ProcessTable& table, ApplicationBus& bus);
+    const InstalledApplications& installed, const ProcessTable& table, ApplicationBus& bus,
+    std::string_view busAddress);
 
 }  // namespace vornix::desktop
