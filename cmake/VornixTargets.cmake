@@ -23,6 +23,15 @@ if(VORNIX_SANITIZE)
   target_link_options(vornix_options INTERFACE -fsanitize=${VORNIX_SANITIZE})
 endif()
 
+# Sanitized builds save time where they can; the others show which header forgot what it needs.
+option(VORNIX_PRECOMPILE "Precompile the headers of the standard library" OFF)
+function(vornix_precompile name)
+  if(VORNIX_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE <algorithm> <functional> <map> <memory> <mutex>
+      <optional> <string> <string_view> <variant> <vector> ${ARGN})
+  endif()
+endfunction()
+
 # vornix_library(NAME DEPENDS other libraries): every source of the folder, one static library.
 # Headers carry the interface; folders named in EXCLUDE are somebody else's. OBJECTS makes it a bundle
 # of objects: layers below need what it holds, and an archive would have to stand behind all of them.
@@ -44,6 +53,7 @@ function(vornix_library name)
   add_library(${name} ${kind} ${sources})
   target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE vornix_options)
   target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>")
+  vornix_precompile(${name})
 endfunction()
 
 include(CheckLinkerFlag)

@@ -10,6 +10,7 @@
 
 #include "platform/linux/desktop/BusNames.h"
 #include "tests/contract/support/NotificationDaemon.h"
+#include "tests/contract/support/Reminder.h"
 #include "tests/support/PrivateBus.h"
 
 namespace vornix::contract {
@@ -21,11 +22,7 @@ using testing::SizeIs;
 
 constexpr double kGenerous = 60;
 
-const NSUserNotification kReminder{.title = "Time to clean up",
-                                   .informativeText = "Scan now",
-                                   .hasActionButton = true,
-                                   .actionButtonTitle = "Launch",
-                                   .otherButtonTitle = "Cancel"};
+const NSUserNotification kReminder = someReminder();
 
 // An agent with the notification centre on a private bus, and somebody else on the same bus.
 class BusUserNotificationServiceTest : public testing::Test {

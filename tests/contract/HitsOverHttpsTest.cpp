@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "analytics/VXAnalyticsTracker.h"
 #include "platform/runloop/NSRunLoop.h"
 #include "tests/support/HttpsServer.h"
+#include "tests/support/Journal.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace vornix {
@@ -21,24 +21,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+using tests::Journal;
+
 constexpr double kGenerous = 60;
-
-// What happened, in order, on whatever thread.
-class Journal {
- public:
-  void note(std::string event) {
-    const std::lock_guard lock(mutex_);
-    events_.push_back(std::move(event));
-  }
-  [[nodiscard]] std::vector<std::string> events() const {
-    const std::lock_guard lock(mutex_);
-    return events_;
-  }
-
- private:
-  mutable std::mutex mutex_;
-  std::vector<std::string> events_;
-};
 
 // The real client, its requests noted by their number.
 class NotingClient final : public HttpClient {

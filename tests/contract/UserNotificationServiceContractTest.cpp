@@ -7,6 +7,7 @@
 
 #include "platform/linux/desktop/BusUserNotificationService.h"
 #include "tests/contract/support/NotificationDaemon.h"
+#include "tests/contract/support/Reminder.h"
 #include "tests/fakes/FakeUserNotificationService.h"
 #include "tests/support/PrivateBus.h"
 
@@ -19,11 +20,7 @@ using testing::SizeIs;
 
 constexpr double kGenerous = 60;
 
-const NSUserNotification kReminder{.title = "Time to clean up",
-                                   .informativeText = "Scan now",
-                                   .hasActionButton = true,
-                                   .actionButtonTitle = "Launch",
-                                   .otherButtonTitle = "Cancel"};
+const NSUserNotification kReminder = someReminder();
 
 class FakeDesktop {
  public:

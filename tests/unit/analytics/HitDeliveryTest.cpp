@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "platform/runloop/NSRunLoop.h"
 #include "tests/fakes/FakeEventWaiter.h"
 #include "tests/fakes/FakeHttpClient.h"
+#include "tests/support/Journal.h"
 
 namespace vornix {
 namespace {
@@ -19,24 +19,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+using tests::Journal;
+
 constexpr double kGenerous = 60;
-
-// What happened, in order, on whatever thread.
-class Journal {
- public:
-  void note(std::string event) {
-    const std::lock_guard lock(mutex_);
-    events_.push_back(std::move(event));
-  }
-  [[nodiscard]] std::vector<std::string> events() const {
-    const std::lock_guard lock(mutex_);
-    return events_;
-  }
-
- private:
-  mutable std::mutex mutex_;
-  std::vector<std::string> events_;
-};
 
 // Notes the start and the end of each request before and after a server answers it.
 class NotingClient final : public HttpClient {
