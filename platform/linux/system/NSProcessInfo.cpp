@@ -1,5 +1,9 @@
 #include "platform/system/NSProcessInfo.h"
 
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/auxv.h>
+#include <sys/syscall.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
@@ -12,6 +16,7 @@
 
 #include "platform/base/PathText.h"
 #include "platform/linux/system/Account.h"
+#include "platform/linux/system/FileDescriptor.h"
 #include "platform/linux/system/LocaleEnvironment.h"
 
 namespace vornix {
@@ -35,6 +40,31 @@ std::string withoutDeletedMark(std::string path) {
     path.resize(path.size() - kMark.size());
   }
   return path;
+}
+
+bool leadsThroughLinks(const char* path) {
+  open_how how{};
+  how.flags = O_PATH | O_CLOEXEC;
+  how.resolve = RESOLVE_NO_SYMLINKS;
+  const FileDescriptor file(
+      static_cast<int>(::syscall(SYS_openat2, AT_FDCWD, path, &how, sizeof how)));
+  return !file.isOpen();
+}
+
+// An absolute path as the kernel itself would write it.
+bool isPlainPath(const std::string& path) {
+  const auto contains = [&path](const char* part) { return path.find(part) != std::string::npos; };
+  return path.starts_with('/') && !contains("//") && !contains("/./") && !contains("/../") &&
+         !leadsThroughLinks(path.c_str());
+}
+
+// The kernel's link is asked only where the path of the start may be another one: a process's
+// folder in /proc is made for the first who looks, which costs more than all other files of a usual
+// run.
+std::string findExecutable() {
+  const auto* started = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+  if (started != nullptr && isPlainPath(started)) return started;
+  return withoutDeletedMark(linkTarget("/proc/self/exe"));
 }
 
 std::string withoutTrailingSlashes(std::string path) {
@@ -90,7 +120,7 @@ class LinuxProcessInfo final : public NSProcessInfo {
   }
 
   [[nodiscard]] std::string executablePath() const override {
-    static const auto& path = *new std::string(withoutDeletedMark(linkTarget("/proc/self/exe")));
+    static const auto& path = *new std::string(findExecutable());
     return path;
   }
 
