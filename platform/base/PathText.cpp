@@ -1,5 +1,7 @@
 #include "platform/base/PathText.h"
 
+#include <algorithm>
+
 #include "platform/base/Utf8.h"
 
 namespace vornix::text {
@@ -18,10 +20,9 @@ std::string_view lastComponent(std::string_view path) {
 }
 
 std::string squeezed(std::string_view path) {
-  std::string result;
-  for (const char c : withoutTrailingSlashes(path)) {
-    if (c != '/' || result.empty() || result.back() != '/') result += c;
-  }
+  std::string result(withoutTrailingSlashes(path));
+  const auto areSlashes = [](char left, char right) { return left == '/' && right == '/'; };
+  result.erase(std::unique(result.begin(), result.end(), areSlashes), result.end());
   return result;
 }
 
@@ -74,7 +75,9 @@ std::string deletingLastPathComponent(std::string_view path) {
 
 std::string appendingPathComponent(std::string_view path, std::string_view component) {
   if (path.empty()) return squeezed(component);
-  return squeezed(std::string(path) + "/" + std::string(component));
+  std::string joined;
+  joined.reserve(path.size() + 1 + component.size());
+  return squeezed(joined.append(path).append("/").append(component));
 }
 
 }  // namespace vornix::text

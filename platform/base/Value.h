@@ -86,6 +86,10 @@ class Value {
     return std::get_if<T>(&storage_);
   }
   template <typename T>
+  [[nodiscard]] T* as() {
+    return std::get_if<T>(&storage_);
+  }
+  template <typename T>
   [[nodiscard]] bool is() const {
     return std::holds_alternative<T>(storage_);
   }

@@ -28,19 +28,20 @@ std::optional<Value> found(const Dictionary& values, std::string_view key) {
 
 NSUserDefaults::NSUserDefaults(std::string domain, PreferencesStore& store,
                                NSNotificationCenter& center)
-    : domain_(std::move(domain)), store_(store), center_(center) {}
+    : domain_(std::move(domain)),
+      store_(store),
+      center_(center),
+      searchedDomains_(std::make_shared<std::vector<std::string>>(1, domain_)) {}
 
 std::optional<Value> NSUserDefaults::objectForKey(std::string_view key) const {
-  std::vector<std::string> domains;
+  std::shared_ptr<const std::vector<std::string>> domains;
   {
     const std::lock_guard lock(mutex_);
     if (auto value = found(arguments_, key)) return value;
     if (auto value = found(unsaved_, key)) return value;
-    domains.reserve(suites_.size() + 1);
-    domains.push_back(domain_);
-    domains.insert(domains.end(), suites_.begin(), suites_.end());
+    domains = searchedDomains_;
   }
-  if (auto value = searchPreferences(store_, key, domains)) return value;
+  if (auto value = searchPreferences(store_, key, *domains)) return value;
   const std::lock_guard lock(mutex_);
   return found(registered_, key);
 }
@@ -104,8 +105,10 @@ void NSUserDefaults::registerDefaults(const Dictionary& defaults) {
 void NSUserDefaults::addSuiteNamed(std::string_view suite) {
   if (suite.empty() || suite == domain_) return;
   const std::lock_guard lock(mutex_);
-  std::erase(suites_, suite);
-  suites_.emplace(suites_.begin(), suite);
+  auto domains = std::make_shared<std::vector<std::string>>(*searchedDomains_);
+  std::erase(*domains, suite);
+  domains->emplace(domains->begin() + 1, suite);
+  searchedDomains_ = std::move(domains);
 }
 
 void NSUserDefaults::setArguments(const std::vector<std::string>& arguments) {

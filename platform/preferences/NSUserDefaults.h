@@ -62,7 +62,8 @@ class NSUserDefaults : public NSObject {
   PreferencesStore& store_;
   NSNotificationCenter& center_;
   mutable std::mutex mutex_;
-  std::vector<std::string> suites_;
+  // The own domain, then the suites. Replaced as a whole: the lock is not held during a search.
+  std::shared_ptr<const std::vector<std::string>> searchedDomains_;
   Dictionary registered_;
   Dictionary arguments_;
   // The own domain of a program without an identifier.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <deque>
+#include <list>
 #include <mutex>
 #include <optional>
 
@@ -25,7 +25,8 @@ class RunLoopBlockQueue {
 
  private:
   mutable std::mutex mutex_;
-  std::deque<Entry> entries_;
+  // Allocates nothing while it is empty, which a short run leaves it.
+  std::list<Entry> entries_;
 };
 
 }  // namespace vornix

@@ -36,8 +36,8 @@ std::string matchingLanguage(std::string_view wanted, const std::vector<std::str
 }
 
 Dictionary dictionaryOf(std::optional<Value> value) {
-  const auto* dictionary = value ? value->as<Dictionary>() : nullptr;
-  return dictionary != nullptr ? *dictionary : Dictionary();
+  auto* dictionary = value ? value->as<Dictionary>() : nullptr;
+  return dictionary != nullptr ? std::move(*dictionary) : Dictionary();
 }
 
 bool isCompiled(std::string_view bytes) {
@@ -85,9 +85,9 @@ class NSBundle::Contents {
     const std::string path = text::appendingPathComponent(path_, name);
     const auto bytes = files_.contents(path);
     if (!bytes) return std::nullopt;
-    const auto value = files_.parsePropertyList(*bytes);
-    const auto* dictionary = value ? value->as<Dictionary>() : nullptr;
-    if (dictionary != nullptr) return *dictionary;
+    auto value = files_.parsePropertyList(*bytes);
+    auto* dictionary = value ? value->as<Dictionary>() : nullptr;
+    if (dictionary != nullptr) return std::move(*dictionary);
     reportDiagnostic(path + " is no property list with keys");
     return std::nullopt;
   }

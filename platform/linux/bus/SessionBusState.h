@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <list>
 #include <memory>
 #include <optional>
@@ -75,7 +74,7 @@ class SessionBus::State : public std::enable_shared_from_this<SessionBus::State>
   std::shared_ptr<NSRunLoop> loop_;
   sd_bus* bus_ = nullptr;
   std::shared_ptr<Source> source_;
-  std::deque<std::function<void()>> work_;
+  std::list<std::function<void()>> work_;
   bool isWorkAnnounced_ = false;
   std::list<PendingCall> pendingCalls_;
   std::vector<std::weak_ptr<std::function<void()>>> lostHandlers_;

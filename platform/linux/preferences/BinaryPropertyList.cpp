@@ -46,11 +46,10 @@ std::optional<std::string_view> BinaryPropertyList::slice(std::uint64_t at,
 }
 
 std::optional<std::uint64_t> BinaryPropertyList::number(std::uint64_t at, std::size_t size) const {
-  const auto digits = slice(at, size);
-  if (!digits) return std::nullopt;
+  if (at > bytes_.size() || size > bytes_.size() - at) return std::nullopt;
   std::uint64_t result = 0;
-  for (const char byte : *digits) {
-    result = result << 8U | static_cast<unsigned char>(byte);
+  for (const char* byte = bytes_.data() + at; size > 0; --size) {
+    result = result << 8U | static_cast<unsigned char>(*byte++);
   }
   return result;
 }

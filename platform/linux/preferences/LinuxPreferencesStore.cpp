@@ -14,27 +14,35 @@ namespace {
 bool isFileName(std::string_view domain) {
   constexpr std::size_t kLongest = 220;
   return !domain.empty() && domain.size() <= kLongest &&
-         domain.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+         domain.find('/') == std::string_view::npos && domain.find('\0') == std::string_view::npos;
+}
+
+std::string pathOf(const std::string& folder, std::string_view domain) {
+  constexpr std::string_view kSuffix = ".plist";
+  std::string path;
+  path.reserve(folder.size() + 1 + domain.size() + kSuffix.size());
+  path.append(folder).append("/").append(domain).append(kSuffix);
+  return path;
 }
 
 }  // namespace
 
 LinuxPreferencesStore::LinuxPreferencesStore(std::string home, std::string anyUserFolder,
                                              const PreferencesLimits& limits)
-    : home_(std::move(home)), anyUserFolder_(std::move(anyUserFolder)), limits_(limits) {}
+    : home_(std::move(home)),
+      currentUserFolder_(home_ + "/Library/Preferences"),
+      anyUserFolder_(std::move(anyUserFolder)),
+      limits_(limits) {}
 
 PreferencesFile* LinuxPreferencesStore::file(std::string_view domain, PreferencesUser user) {
   if (!isFileName(domain) || (user == PreferencesUser::Current && home_.empty())) return nullptr;
   const std::lock_guard lock(mutex_);
   Files& files = user == PreferencesUser::Current ? currentUser_ : anyUser_;
   const auto known = files.find(domain);
-  if (known != files.end()) return known->second.get();
-  const std::string folder =
-      user == PreferencesUser::Current ? home_ + "/Library/Preferences" : anyUserFolder_;
-  std::string name(domain);
-  std::string path = folder + "/" + name + ".plist";
-  return files.emplace(std::move(name), std::make_unique<PreferencesFile>(std::move(path), limits_))
-      .first->second.get();
+  if (known != files.end()) return &known->second;
+  const std::string& folder =
+      user == PreferencesUser::Current ? currentUserFolder_ : anyUserFolder_;
+  return &files.try_emplace(std::string(domain), pathOf(folder, domain), limits_).first->second;
 }
 
 std::optional<Value> LinuxPreferencesStore::copyValue(std::string_view key, std::string_view domain,
@@ -63,7 +71,8 @@ bool LinuxPreferencesStore::synchronizeAll() {
   std::vector<PreferencesFile*> files;
   {
     const std::lock_guard lock(mutex_);
-    for (const auto& [domain, preferences] : currentUser_) files.push_back(preferences.get());
+    files.reserve(currentUser_.size());
+    for (auto& [domain, preferences] : currentUser_) files.push_back(&preferences);
   }
   bool all = true;
   for (PreferencesFile* preferences : files) all = preferences->synchronize() && all;

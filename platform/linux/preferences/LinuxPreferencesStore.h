@@ -1,7 +1,6 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <mutex>
 #include <string>
 
@@ -27,12 +26,13 @@ class LinuxPreferencesStore final : public PreferencesStore {
   bool synchronizeAll() override;
 
  private:
-  using Files = std::map<std::string, std::unique_ptr<PreferencesFile>, std::less<>>;
+  using Files = std::map<std::string, PreferencesFile, std::less<>>;
 
   // Null for a domain that no file can stand for.
   PreferencesFile* file(std::string_view domain, PreferencesUser user);
 
   const std::string home_;
+  const std::string currentUserFolder_;
   const std::string anyUserFolder_;
   const PreferencesLimits limits_;
   std::mutex mutex_;

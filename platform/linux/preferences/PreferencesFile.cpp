@@ -47,8 +47,9 @@ std::optional<Value> PreferencesFile::value(std::string_view key) {
   refresh();
   if (!root_) return std::nullopt;
   if (const auto found = known_.find(key); found != known_.end()) return found->second;
-  const std::string name(key);
-  return known_.emplace(name, valueOfRoot(name)).first->second;
+  std::string name(key);
+  auto value = valueOfRoot(name);
+  return known_.emplace(std::move(name), std::move(value)).first->second;
 }
 
 std::optional<Value> PreferencesFile::valueOfRoot(const std::string& key) const {

@@ -34,6 +34,7 @@ std::optional<std::string> takeQuoted(std::string_view& pattern) {
 std::optional<std::vector<DateField>> parseDatePattern(std::string_view pattern) {
   constexpr std::string_view kFields = "yMdHmsS";
   std::vector<DateField> fields;
+  fields.reserve(pattern.size());
   while (!pattern.empty()) {
     const char first = pattern.front();
     if (first == '\'') {
