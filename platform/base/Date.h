@@ -19,6 +19,7 @@ struct Date {
   [[nodiscard]] constexpr Date addingTimeInterval(double seconds) const {
     return Date{timeIntervalSinceReferenceDate + seconds};
   }
+  // NOLINTNEXTLINE(modernize-use-nullptr): the comparison with 0 is the compiler's own.
   friend constexpr auto operator<=>(const Date&, const Date&) = default;
 };
 

@@ -196,7 +196,7 @@ std::optional<Dictionary> NSBundle::propertyListNamed(std::string_view name) con
 
 std::string bundlePathOfExecutable(std::string_view executable) {
   const std::string program = text::lastPathComponent(executable);
-  const std::string folder = text::deletingLastPathComponent(executable);
+  std::string folder = text::deletingLastPathComponent(executable);
   const std::string above = text::deletingLastPathComponent(folder);
   const std::string name = text::lastPathComponent(folder);
   std::string prefix;

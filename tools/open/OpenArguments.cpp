@@ -28,7 +28,7 @@ class Parser {
   void take(const std::string& word) {
     if (word == "--args") {
       while (!words_.empty()) result_.arguments.push_back(next());
-    } else if (filesFollow_) {
+    } else if (filesFollow_ || !word.starts_with('-')) {
       result_.files.push_back(word);
     } else if (word == "-b") {
       takeIdentifier();
@@ -37,10 +37,8 @@ class Parser {
       filesFollow_ = true;
     } else if (word == "-h" || word == "--help") {
       result_.wantsHelp = true;
-    } else if (word.starts_with('-')) {
-      problem_ = "unknown option \"" + word + "\"";
     } else {
-      result_.files.push_back(word);
+      problem_ = "unknown option \"" + word + "\"";
     }
   }
 

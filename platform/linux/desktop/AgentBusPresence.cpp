@@ -62,7 +62,7 @@ void AgentBusPresence::disappear() {
   object_.reset();
 }
 
-void AgentBusPresence::becomeLatestInstance(std::function<void()> ended) {
+void AgentBusPresence::becomeLatestInstance(const std::function<void()>& ended) {
   lost_ = bus_.whenLost(ended);
   replaced_ = bus_.subscribe({.sender = kBusDaemonName,
                               .path = kBusDaemonPath,

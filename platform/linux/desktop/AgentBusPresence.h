@@ -29,7 +29,7 @@ class AgentBusPresence {
   void disappear();
   // Becomes the agent that the latest click has started; `ended` is called when the next one takes
   // over or the session ends.
-  void becomeLatestInstance(std::function<void()> ended);
+  void becomeLatestInstance(const std::function<void()>& ended);
 
  private:
   [[nodiscard]] std::vector<BusOperation> operations();

@@ -62,6 +62,7 @@ void writeTextProperty(BusMessage& message, std::string_view name, std::string_v
 // The manager replaces variables in the words.
 std::vector<std::string> literalWords(const std::vector<std::string>& words) {
   std::vector<std::string> literal;
+  literal.reserve(words.size());
   for (const std::string& word : words) literal.push_back(text::replaceAll(word, "$", "$$"));
   return literal;
 }

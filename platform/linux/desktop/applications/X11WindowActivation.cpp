@@ -31,6 +31,7 @@ namespace {
   X(xcb_setup_roots_iterator)
 
 struct Xcb {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name to declare takes none.
 #define VORNIX_DECLARE(function) decltype(&::function) function = nullptr;
   VORNIX_XCB_FUNCTIONS(VORNIX_DECLARE)
 #undef VORNIX_DECLARE
