@@ -2,6 +2,7 @@
 # What the developer commands share: how they speak, fail, run a step and install packages.
 
 export LC_ALL=C.UTF-8  # errors are searched for by their English words
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
 subcommand=
 # End-to-end tests mostly wait, so more of them run at once than there are processors.

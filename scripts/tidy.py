@@ -8,6 +8,7 @@ of its compile command; what has passed once under that name is not looked at ag
 import hashlib
 import json
 import os
+import re
 import shlex
 import subprocess
 import sys
@@ -69,8 +70,20 @@ def tidy(source, build):
     return run.returncode, run.stdout + ("" if run.returncode == 0 else run.stderr)
 
 
+def without_precompiled_headers(build):
+    """A folder with the same compile commands, each file parsed as it stands."""
+    commands = json.loads((build / "compile_commands.json").read_text())
+    for entry in commands:
+        entry["command"] = re.sub(r" -Winvalid-pch| -include \S*cmake_pch\S*", "", entry["command"])
+    folder = build / "tidy"
+    folder.mkdir(exist_ok=True)
+    (folder / "compile_commands.json").write_text(json.dumps(commands))
+    return folder
+
+
 def main():
     build = (ROOT / sys.argv[1]).resolve()
+    database = without_precompiled_headers(build)
     passed = ROOT / "build" / "tidy-passed"
     passed.mkdir(parents=True, exist_ok=True)
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
@@ -84,7 +97,7 @@ def main():
             due[source] = passed / name
     failures = 0
     with ThreadPoolExecutor(os.cpu_count()) as workers:
-        runs = {workers.submit(tidy, source, build): source for source in due}
+        runs = {workers.submit(tidy, source, database): source for source in due}
         for run in as_completed(runs):
             status, output = run.result()
             if status == 0:
