@@ -62,6 +62,7 @@ bool isPlainPath(const std::string& path) {
 // folder in /proc is made for the first who looks, which costs more than all other files of a usual
 // run.
 std::string findExecutable() {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the system hands its addresses out as numbers.
   const auto* started = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
   if (started != nullptr && isPlainPath(started)) return started;
   return withoutDeletedMark(linkTarget("/proc/self/exe"));
