@@ -15,16 +15,20 @@ void FakeNotificationServer::start() {
 }
 
 void FakeNotificationServer::describe(
-    std::string_view /*owner*/,
+    std::string_view at,
     std::function<void(const std::optional<NotificationServerDescription>&)> answer) {
   ++descriptionsAsked;
-  answers_.emplace_back([this, answer = std::move(answer)] { answer(description); });
+  answers_.emplace_back([this, isThere = at == owner, answer = std::move(answer)] {
+    answer(isThere ? description : std::nullopt);
+  });
 }
 
 void FakeNotificationServer::post(std::string_view to, const NotificationPost& notification,
                                   std::function<void(const PostResult&)> answer) {
   PostResult result{PostOutcome::shown, ++lastIdentifier_, {}};
-  if (!nextResults.empty()) {
+  if (to != owner) {
+    result = {PostOutcome::serverGone, 0, "nobody has that name"};
+  } else if (!nextResults.empty()) {
     result = nextResults.front();
     nextResults.pop_front();
   }
@@ -46,11 +50,26 @@ void FakeNotificationServer::answerAll() {
 
 void FakeNotificationServer::changeOwner(const std::string& newOwner) {
   owner = newOwner;
-  observer_->ownerChanged(newOwner);
+  if (observer_ != nullptr) {
+    observer_->ownerChanged(newOwner);
+  }
 }
 
-void FakeNotificationServer::click(std::uint32_t identifier, std::string_view key) {
+void FakeNotificationServer::click(std::uint32_t identifier, std::string_view key,
+                                   std::string_view token) {
+  if (observer_ == nullptr) {
+    return;
+  }
+  if (!token.empty()) {
+    observer_->activationTokenArrived(owner, identifier, token);
+  }
   observer_->actionInvoked(owner, identifier, key);
+}
+
+void FakeNotificationServer::dismiss(std::uint32_t identifier) {
+  if (observer_ != nullptr) {
+    observer_->notificationClosed(owner, identifier);
+  }
 }
 
 }  // namespace vornix::fakes

@@ -36,7 +36,9 @@ class FakeNotificationServer final : public NotificationServer {
   void answerAll();
   // A server comes (":1.5") or goes (""); the observer is told.
   void changeOwner(const std::string& owner);
-  void click(std::uint32_t identifier, std::string_view key);
+  // The person acts; the observer hears of a token before the action.
+  void click(std::uint32_t identifier, std::string_view key, std::string_view token = "");
+  void dismiss(std::uint32_t identifier);
 
   // The present server; set directly for one that was there first.
   std::string owner;
@@ -44,7 +46,7 @@ class FakeNotificationServer final : public NotificationServer {
   std::string startable;
   std::optional<NotificationServerDescription> description =
       NotificationServerDescription{.name = "fake", .capabilities = {"actions", "body"}};
-  // Answers to the next posts, in order; afterwards everything is shown.
+  // Answers to the next posts to the owner, in order; afterwards everything is shown.
   std::deque<PostResult> nextResults;
 
   std::vector<Posted> posted;
