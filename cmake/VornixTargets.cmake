@@ -16,6 +16,12 @@ target_link_options(vornix_options INTERFACE -Wl,--gc-sections)
 find_package(Threads REQUIRED)
 target_link_libraries(vornix_options INTERFACE Threads::Threads)
 
+if(VORNIX_FUZZ)
+  target_compile_options(vornix_options INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
+  target_link_options(vornix_options INTERFACE -fsanitize=address,undefined)
+endif()
+
 set(VORNIX_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 if(VORNIX_SANITIZE)
   target_compile_options(vornix_options INTERFACE

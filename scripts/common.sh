@@ -94,6 +94,7 @@ packages_for() { # GROUP
         util-linux valgrind adwaita-icon-theme
       ;;
     lint) echo clang-format clang-tidy shellcheck python3 ;;
+    fuzz) echo clang ;;
     bench) echo python3 valgrind time binutils ;;
     demo) echo python3 dbus nginx-light openssl util-linux ;;
   esac
