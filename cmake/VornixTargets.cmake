@@ -9,6 +9,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # unset values in std::optional that are not there.
   target_compile_options(vornix_options INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  # Conversions of signs are part of its -Wconversion, unlike that of the compiler we ship with.
+  target_compile_options(vornix_options INTERFACE -Wno-sign-conversion)
+endif()
 target_include_directories(vornix_options INTERFACE "${CMAKE_SOURCE_DIR}")
 # The real platform comes as a bundle of objects: what a program does not reach is left out, and what
 # only that would need is not asked for.

@@ -20,29 +20,29 @@ namespace {
 // A port that takes connections and never says a word.
 class SilentPort {
  public:
-  SilentPort() : descriptor_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  enum class Answer { Nothing, Refusal };
+
+  explicit SilentPort(Answer answer = Answer::Nothing)
+      : descriptor_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof(address);
     auto* generic = reinterpret_cast<sockaddr*>(&address);
     EXPECT_EQ(bind(descriptor_, generic, length), 0);
-    EXPECT_EQ(listen(descriptor_, 8), 0);
+    // One that does not listen refuses whoever comes, and nobody else can have it meanwhile.
+    if (answer == Answer::Nothing) {
+      EXPECT_EQ(listen(descriptor_, 8), 0);
+    }
     EXPECT_EQ(getsockname(descriptor_, generic, &length), 0);
     port_ = ntohs(address.sin_port);
   }
-  ~SilentPort() { stop(); }
+  ~SilentPort() { close(descriptor_); }
   SilentPort(const SilentPort&) = delete;
   SilentPort& operator=(const SilentPort&) = delete;
 
   [[nodiscard]] std::string url() const { return "https://127.0.0.1:" + std::to_string(port_); }
   [[nodiscard]] int waitForConnection() const { return accept(descriptor_, nullptr, nullptr); }
-  void stop() {
-    if (descriptor_ >= 0) {
-      close(descriptor_);
-    }
-    descriptor_ = -1;
-  }
 
  private:
   int descriptor_;
@@ -104,10 +104,8 @@ TEST_F(CurlHttpClientTest, SaysThatTlsFailedWhereTheServerSpeaksNone) {
 }
 
 TEST_F(CurlHttpClientTest, SaysThatNobodyListens) {
-  SilentPort port;
-  const std::string url = port.url();
-  port.stop();
-  EXPECT_EQ(codeOf(makeHttpClient("")->send({.url = url})), NSURLErrorCannotConnectToHost);
+  const SilentPort port(SilentPort::Answer::Refusal);
+  EXPECT_EQ(codeOf(makeHttpClient("")->send({.url = port.url()})), NSURLErrorCannotConnectToHost);
 }
 
 TEST_F(CurlHttpClientTest, SaysThatThereIsNoSuchHost) {
@@ -208,9 +206,8 @@ TEST_F(CurlHttpClientTest, LeavesOutAndReportsAHeaderWithoutAProperName) {
 
 TEST_F(CurlHttpClientTest, GoesThroughTheProxyOfTheEnvironment) {
   const tests::HttpsServer server;
-  SilentPort proxy;
+  const SilentPort proxy(SilentPort::Answer::Refusal);
   const std::string address = proxy.url().substr(std::string("https://").size());
-  proxy.stop();
   setenv("https_proxy", ("http://" + address).c_str(), 1);
   const auto client = makeHttpClient(server.certificateFile());
   EXPECT_EQ(codeOf(client->send({.url = server.url("/")})), NSURLErrorCannotConnectToHost);
