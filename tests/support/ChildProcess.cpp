@@ -1,7 +1,9 @@
 #include "tests/support/ChildProcess.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -90,11 +92,20 @@ ChildProcess::~ChildProcess() {
   terminate();
 }
 
+// Asks again: a program that is only just starting may note a signal and then wait for the next
+// one.
 void ChildProcess::terminate() {
-  if (pid_ > 0) {
-    kill(pid_, SIGTERM);
-    wait();
+  if (pid_ <= 0) {
+    return;
   }
+  constexpr int patience = 500;
+  const int ended = static_cast<int>(syscall(SYS_pidfd_open, pid_, 0));
+  pollfd entry{.fd = ended, .events = POLLIN, .revents = 0};
+  do {
+    kill(pid_, SIGTERM);
+  } while (ended >= 0 && poll(&entry, 1, patience) == 0);
+  close(ended);
+  wait();
 }
 
 int ChildProcess::wait() {
