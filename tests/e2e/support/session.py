@@ -91,11 +91,13 @@ class Session:
 
     def _make_environment(self):
         kept = {name: value for name, value in os.environ.items()
-                if name in ("PATH", "USER", "LOGNAME") or name.endswith("SAN_OPTIONS")}
+                if name in ("USER", "LOGNAME") or name.endswith("SAN_OPTIONS")}
         data = self._folder("home", ".local", "share")
         folders = [data, *([self.tree.prefix / "share"] if self.tree else []), "/usr/share"]
+        # Servers are installed where only root's search path looks.
+        search_path = os.environ.get("PATH", os.defpath) + ":/usr/local/sbin:/usr/sbin:/sbin"
         return {
-            **kept, MARK: self.mark, "HOME": str(self.home), "LANG": "C.UTF-8",
+            **kept, "PATH": search_path, MARK: self.mark, "HOME": str(self.home), "LANG": "C.UTF-8",
             "XDG_DATA_HOME": str(data), "XDG_DATA_DIRS": ":".join(map(str, folders[1:])),
             "XDG_CONFIG_HOME": str(self._folder("home", ".config")),
             "XDG_CACHE_HOME": str(self._folder("home", ".cache")),
