@@ -62,10 +62,16 @@ def content_name(entry, headers, checks):
     return digest.hexdigest()
 
 
+# The commands are another compiler's. Reserved names are the compiler's to find: the check of that
+# name takes a seventh of the time. The analyzer's last three quarters of paths through the longest
+# functions take half of its time.
+EXTRA = ["-Wno-unknown-warning-option", "-Wreserved-identifier",
+         "-Xclang", "-analyzer-config", "-Xclang", "max-nodes=50000"]
+
+
 def tidy(source, build):
-    # The commands are another compiler's.
     run = subprocess.run(["clang-tidy", "--quiet", "-p", build,
-                          "--extra-arg=-Wno-unknown-warning-option", source],
+                          *(f"--extra-arg={argument}" for argument in EXTRA), source],
                          capture_output=True, text=True)
     return run.returncode, run.stdout + ("" if run.returncode == 0 else run.stderr)
 
@@ -87,7 +93,7 @@ def main():
     passed = ROOT / "build" / "tidy-passed"
     passed.mkdir(parents=True, exist_ok=True)
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
-    checks = version + (ROOT / ".clang-tidy").read_bytes()
+    checks = version + (ROOT / ".clang-tidy").read_bytes() + " ".join(EXTRA).encode()
     headers = recorded_headers(build)
     due = {}
     for source, entry in product_commands(build).items():

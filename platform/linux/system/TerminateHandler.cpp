@@ -7,9 +7,9 @@
 
 // Takes the place of the C++ runtime's own handler, which also translates the type's name back: the
 // tables for that would be relocated at every start of every program.
-namespace __gnu_cxx {  // NOLINT(bugprone-reserved-identifier): the runtime's name for it
+namespace __gnu_cxx {  // NOLINT(clang-diagnostic-reserved-identifier): the runtime's name for it
 
-void __verbose_terminate_handler() {  // NOLINT(bugprone-reserved-identifier)
+void __verbose_terminate_handler() {  // NOLINT(clang-diagnostic-reserved-identifier)
   const std::type_info* type = abi::__cxa_current_exception_type();
   if (type == nullptr) {
     std::fputs("terminate called without an active exception\n", stderr);
