@@ -70,13 +70,21 @@ TEST(PathText, TakesPathsApart) {
   const Row rows[] = {{"/tmp/scratch.tiff", "scratch.tiff", "tiff", "/tmp/scratch", "/tmp"},
                       {"/tmp/scratch", "scratch", "", "/tmp/scratch", "/tmp"},
                       {"/tmp/", "tmp", "", "/tmp", "/"},
+                      {"/tmp", "tmp", "", "/tmp", "/"},
                       {"scratch///", "scratch", "", "scratch", ""},
+                      {"/", "/", "", "/", "/"},
+                      {"//", "/", "", "/", "/"},
                       {"///", "/", "", "/", "/"},
                       {"", "", "", "", ""},
                       {"a/b/", "b", "", "a/b", "a"},
+                      {"scratch.tiff", "scratch.tiff", "tiff", "scratch", ""},
                       {"scratch..tiff", "scratch..tiff", "tiff", "scratch.", ""},
                       {"scratch.bundle/", "scratch.bundle", "bundle", "scratch", ""},
+                      {".tiff", ".tiff", "", ".tiff", ""},
+                      {".bashrc", ".bashrc", "", ".bashrc", ""},
                       {"/x/.bashrc", ".bashrc", "", "/x/.bashrc", "/x"},
+                      {".scratch.tiff", ".scratch.tiff", "tiff", ".scratch", ""},
+                      {"/tmp/lock/", "lock", "", "/tmp/lock", "/tmp"},
                       {"foo.tar.gz", "foo.tar.gz", "gz", "foo.tar", ""},
                       {"a.b/c", "c", "", "a.b/c", "a.b"}};
   for (const auto& row : rows) {
@@ -84,6 +92,36 @@ TEST(PathText, TakesPathsApart) {
     EXPECT_EQ(pathExtension(row.path), row.extension) << row.path;
     EXPECT_EQ(deletingPathExtension(row.path), row.withoutExtension) << row.path;
     EXPECT_EQ(deletingLastPathComponent(row.path), row.withoutLast) << row.path;
+  }
+}
+
+TEST(PathText, EndsTheSearchForAnExtensionWhereItCannotGoOn) {
+  struct Row {
+    const char *path, *extension, *withoutExtension;
+  };
+  const Row rows[] = {{"foo.tar gz", "", "foo.tar gz"},
+                      {"foo. txt", "", "foo. txt"},
+                      {"foo .txt", "txt", "foo "},
+                      {"a.\u061cb", "", "a.\u061cb"},
+                      {"a.b\u200e", "", "a.b\u200e"},
+                      {"a.\u202eb", "", "a.\u202eb"},
+                      {"a.\u2069", "", "a.\u2069"},
+                      {"\u200fa.b", "b", "\u200fa"},
+                      {"a.", "", "a."},
+                      {"a./", "", "a."},
+                      {".", "", "."},
+                      {"..", "", ".."},
+                      {"...", "", "..."},
+                      {"..b", "", "..b"},
+                      {"..b.c", "c", "..b"},
+                      {"a//b.c", "c", "a/b"},
+                      {"\xFF.\xFE", "\xFE", "\xFF"},
+                      {"a.\xED\xA0\x80", "\xED\xA0\x80", "a"},
+                      {"e\u0301.\u0301", "\u0301", "e\u0301"},
+                      {"\U0001F9C0.\U0001F9C0", "\U0001F9C0", "\U0001F9C0"}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(pathExtension(row.path), row.extension) << row.path;
+    EXPECT_EQ(deletingPathExtension(row.path), row.withoutExtension) << row.path;
   }
 }
 

@@ -1,0 +1,100 @@
+#include "tests/contract/support/FileWorld.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace vornix::contract {
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kMayNotMount = 77;
+
+bool write(const char* path, const std::string& text) {
+  std::ofstream file(path);
+  file << text << std::flush;
+  return file.good();
+}
+
+// Mounts made from now on are seen by this process only. Without privileges it takes a user
+// namespace, in which the process is root.
+bool goApart() {
+  const std::string user = std::to_string(geteuid());
+  const std::string group = std::to_string(getegid());
+  if (unshare(CLONE_NEWNS) != 0) {
+    const bool isRoot = unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 &&
+                        write("/proc/self/setgroups", "deny") &&
+                        write("/proc/self/uid_map", "0 " + user + " 1") &&
+                        write("/proc/self/gid_map", "0 " + group + " 1");
+    if (!isRoot) return false;
+  }
+  return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+[[noreturn]] void end(int status) {
+  std::fflush(nullptr);
+  _exit(status);
+}
+
+}  // namespace
+
+LinuxFileWorld::LinuxFileWorld() : root_(std::filesystem::canonical(folder_.path())) {}
+
+void LinuxFileWorld::folder(const std::string& name) {
+  std::filesystem::create_directories(path(name));
+}
+
+void LinuxFileWorld::file(const std::string& name) {
+  std::filesystem::create_directories(std::filesystem::path(path(name)).parent_path());
+  EXPECT_TRUE(std::ofstream(path(name)).good()) << name;
+}
+
+void LinuxFileWorld::link(const std::string& name, const std::string& target) {
+  std::filesystem::create_directories(std::filesystem::path(path(name)).parent_path());
+  EXPECT_EQ(symlink(target.c_str(), path(name).c_str()), 0) << name;
+}
+
+void LinuxFileWorld::enter(const std::string& name) {
+  EXPECT_EQ(chdir(path(name).c_str()), 0) << name;
+}
+
+void LinuxFileWorld::mount(const std::string& name) {
+  attach("none", name, "tmpfs", 0);
+}
+
+void LinuxFileWorld::bind(const std::string& source, const std::string& name) {
+  attach(path(source), name, nullptr, MS_BIND);
+}
+
+void LinuxFileWorld::attach(const std::string& source, const std::string& name, const char* type,
+                            unsigned long flags) {
+  if (!isApart_ && !goApart()) end(testing::Test::HasFailure() ? kFailed : kMayNotMount);
+  isApart_ = true;
+  EXPECT_EQ(::mount(source.c_str(), path(name).c_str(), type, flags, nullptr), 0) << name;
+}
+
+LinuxFileWorld::Outcome LinuxFileWorld::play(const std::function<void(LinuxFileWorld&)>& story) {
+  // Removed by this process, which does not see what the other one mounts there.
+  LinuxFileWorld world;
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    story(world);
+    end(testing::Test::HasFailure() ? kFailed : 0);
+  }
+  int status = 0;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == kMayNotMount) return Outcome::mayNotMount;
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see above";
+  return Outcome::played;
+}
+
+}  // namespace vornix::contract

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/files/NSFileManager.h"
+#include "platform/files/Volumes.h"
+#include "tests/fakes/FakeFileTree.h"
+#include "tests/support/ScratchFolder.h"
+
+namespace vornix::contract {
+
+// Items by their paths below the world's root, in memory.
+class FakeFileWorld {
+ public:
+  FakeFileWorld() { tree_.addFolder("/root"); }
+
+  [[nodiscard]] const NSFileManager& files() const { return files_; }
+  [[nodiscard]] const Volumes& volumes() const { return volumes_; }
+  // The absolute path, without links; the root's for an empty name.
+  [[nodiscard]] static std::string path(const std::string& name) {
+    return name.empty() ? "/root" : "/root/" + name;
+  }
+
+  void folder(const std::string& name) { tree_.addFolder(path(name)); }
+  void file(const std::string& name) { tree_.addFile(path(name)); }
+  void link(const std::string& name, const std::string& target) {
+    tree_.addLink(path(name), target);
+  }
+  // Makes a folder the current one.
+  void enter(const std::string& name) { tree_.currentFolder = path(name); }
+  // An empty volume, at an empty folder.
+  void mount(const std::string& name) { tree_.mountAt(path(name)); }
+  // The folder or file `source` once more.
+  void bind(const std::string& source, const std::string& name) {
+    tree_.bind(path(source), path(name));
+  }
+
+  enum class Outcome { played, mayNotMount };
+  static Outcome play(const std::function<void(FakeFileWorld&)>& story) {
+    FakeFileWorld world;
+    story(world);
+    return Outcome::played;
+  }
+
+ private:
+  fakes::FakeFileTree tree_;
+  fakes::FakeFileManager files_{tree_};
+  fakes::FakeVolumes volumes_{tree_};
+};
+
+// The same in the machine's file system. A story is played in a process of its own, so that what it
+// mounts and where it goes stays there.
+class LinuxFileWorld {
+ public:
+  LinuxFileWorld();
+
+  [[nodiscard]] static const NSFileManager& files() { return NSFileManager::defaultManager(); }
+  [[nodiscard]] static const Volumes& volumes() { return sharedVolumes(); }
+  [[nodiscard]] std::string path(const std::string& name) const {
+    return name.empty() ? root_ : root_ + "/" + name;
+  }
+
+  void folder(const std::string& name);
+  void file(const std::string& name);
+  void link(const std::string& name, const std::string& target);
+  void enter(const std::string& name);
+  void mount(const std::string& name);
+  void bind(const std::string& source, const std::string& name);
+
+  using Outcome = FakeFileWorld::Outcome;
+  // The story's failed expectations are failures of the test.
+  static Outcome play(const std::function<void(LinuxFileWorld&)>& story);
+
+ private:
+  void attach(const std::string& source, const std::string& name, const char* type,
+              unsigned long flags);
+
+  tests::ScratchFolder folder_;
+  std::string root_;
+  bool isApart_ = false;
+};
+
+}  // namespace vornix::contract
