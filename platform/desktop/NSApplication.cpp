@@ -8,7 +8,6 @@
 #include "platform/desktop/ProcessLifetime.h"
 #include "platform/desktop/UserNotificationService.h"
 #include "platform/preferences/NSUserDefaults.h"
-#include "platform/preferences/PreferencesStore.h"
 #include "platform/runloop/NSRunLoop.h"
 
 namespace vornix {
@@ -51,6 +50,8 @@ void takeArguments(int argc, char** argv) {
 
 }  // namespace
 
+NSApplication::NSApplication(PreferencesStore& preferences) : preferences_(preferences) {}
+
 NSApplication& NSApplication::sharedApplication() {
   static const auto& application =
       *new std::shared_ptr<NSApplication>(std::make_shared<NSApplication>());
@@ -64,7 +65,7 @@ void NSApplication::terminate(const NSObject* /*sender*/) {
       {.name = std::string(NSApplicationWillTerminateNotification),
        .object = weak_from_this().lock(),
        .userInfo = {}});
-  sharedPreferencesStore().synchronizeAll();
+  preferences_.synchronizeAll();
   std::fflush(nullptr);
   endProcess(0);
 }

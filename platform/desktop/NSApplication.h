@@ -6,6 +6,7 @@
 
 #include "platform/base/NSObject.h"
 #include "platform/desktop/NSUserNotification.h"
+#include "platform/preferences/PreferencesStore.h"
 #include "platform/runloop/NSNotificationCenter.h"
 
 namespace vornix {
@@ -25,16 +26,21 @@ class NSApplicationDelegate {
 // The application and its main loop. Main thread.
 class NSApplication : public NSObject {
  public:
+  // The preferences must outlive the application.
+  explicit NSApplication(PreferencesStore& preferences = sharedPreferencesStore());
+
   [[nodiscard]] static NSApplication& sharedApplication();
 
   // Posts `NSApplicationWillTerminateNotification`, makes preferences durable, flushes output and
-  // ends the process with status 0 without returning. Called again meanwhile, by an observer or on
-  // request from outside, it returns. A test double returns too.
+  // ends the process with status 0 without returning, each once and in this order. Called again
+  // meanwhile, by an observer or on request from outside, it returns. A test double returns instead
+  // of ending the process.
   virtual void terminate(const NSObject* sender);
 
   [[nodiscard]] std::string_view className() const override { return "NSApplication"; }
 
  private:
+  PreferencesStore& preferences_;
   bool isTerminating_ = false;
 };
 

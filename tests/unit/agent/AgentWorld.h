@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "agent/AppDelegate.h"
+#include "tests/fakes/FakeApplication.h"
 #include "tests/fakes/FakeApplicationService.h"
 #include "tests/fakes/FakeEventWaiter.h"
 #include "tests/fakes/FakePreferencesStore.h"
@@ -49,25 +50,13 @@ class JournalledNotifications final : public UserNotificationService {
   Journal& journal_;
 };
 
-class JournalledApplication final : public NSApplication {
- public:
-  explicit JournalledApplication(Journal& journal) : journal_(journal) {}
-  // Returns, unlike the real one, so that what follows can be seen.
-  void terminate(const NSObject* sender) override {
-    journal_.emplace_back("terminate");
-    lastSender = sender;
-  }
-
-  const NSObject* lastSender = nullptr;
-
- private:
-  Journal& journal_;
-};
-
 // An agent in a world of fakes, its clock injected.
 class AgentWorld {
  public:
-  AgentWorld() { applications.running.clear(); }
+  AgentWorld() {
+    applications.running.clear();
+    application.whenTerminated = [this] { journal.emplace_back("terminate"); };
+  }
 
   Journal journal;
   fakes::FakeSystemClock clock;
@@ -76,7 +65,7 @@ class AgentWorld {
   // The shared one, where running applications are looked for.
   fakes::FakeApplicationService& applications = fakes::processApplications();
   JournalledNotifications notifications{journal};
-  JournalledApplication application{journal};
+  fakes::FakeApplication application{preferences};
   NSUserNotificationCenter center{notifications};
   std::shared_ptr<NSUserDefaults> defaults =
       std::make_shared<NSUserDefaults>(std::string(kAgentDomain), preferences, localCenter);

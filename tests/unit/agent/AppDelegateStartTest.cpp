@@ -16,7 +16,7 @@ TEST(AppDelegateStart, StartsOnlyTheClockWhenThereIsNoDate) {
   AgentWorld world;
   world.start();
   EXPECT_EQ(world.stored(kDateKey, kAgentDomain), Value(world.clock.now()));
-  EXPECT_THAT(world.preferences.synchronized(), ElementsAre(std::string(kAgentDomain)));
+  EXPECT_THAT(world.preferences.synchronized(), ElementsAre(std::string(kAgentDomain), "*"));
   EXPECT_THAT(world.journal, ElementsAre("terminate"));
   EXPECT_THAT(world.log.messages(),
               ElementsAre("Something went wrong: scheduler date is not set. Setting it to now."));
