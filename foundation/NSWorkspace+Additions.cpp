@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "platform/base/Text.h"
+#include "platform/preferences/CFPreferences.h"
 
 namespace vornix {
 namespace {
@@ -35,6 +36,18 @@ std::string preferredLanguageCode(const NSWorkspace& /*self*/, const NSUserDefau
 std::string preferredLanguage(const NSWorkspace& self, const NSUserDefaults& defaults) {
   const auto code = preferredLanguageCode(self, defaults);
   return code.substr(0, code.find('-'));
+}
+
+void revealInFinderFile(const NSWorkspace& /*self*/, std::string_view path,
+                        const NSFileManager& files) {
+  if (!files.fileExistsAtPath(path)) return;
+  NSWorkspace::sharedWorkspace().selectFileInFileViewerRootedAtPath(path, "");
+}
+
+bool isVoiceOverOn(const NSWorkspace& /*self*/, PreferencesStore& store) {
+  const auto value =
+      CFPreferencesCopyAppValue(store, "voiceOverOnOffKey", "com.apple.universalaccess");
+  return value && value->boolValue();
 }
 
 }  // namespace vornix

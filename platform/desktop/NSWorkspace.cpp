@@ -35,7 +35,8 @@ bool NSRunningApplication::isEqual(const NSObject& other) const {
   return application != nullptr && application->entry_ == entry_;
 }
 
-NSWorkspace::NSWorkspace(ApplicationService& service) : service_(service) {}
+NSWorkspace::NSWorkspace(ApplicationService& service, FileViewer& viewer)
+    : service_(service), viewer_(viewer) {}
 
 NSWorkspace& NSWorkspace::sharedWorkspace() {
   static const auto& workspace =
@@ -69,6 +70,11 @@ std::shared_ptr<NSRunningApplication> NSWorkspace::launchApplicationAtURL(
   }
   if (error != nullptr) *error = std::move(problem);
   return entry ? std::make_shared<NSRunningApplication>(*std::move(entry), service_) : nullptr;
+}
+
+bool NSWorkspace::selectFileInFileViewerRootedAtPath(std::string_view file,
+                                                     std::string_view /*root*/) {
+  return viewer_.select(file);
 }
 
 }  // namespace vornix

@@ -9,6 +9,7 @@
 
 #include "platform/base/NSObject.h"
 #include "platform/desktop/ApplicationService.h"
+#include "platform/desktop/FileViewer.h"
 
 namespace vornix {
 
@@ -39,8 +40,8 @@ class NSRunningApplication : public NSObject {
 // The desktop's applications. Main thread.
 class NSWorkspace : public NSObject {
  public:
-  // The service must outlive the workspace.
-  explicit NSWorkspace(ApplicationService& service);
+  // Both must outlive the workspace.
+  explicit NSWorkspace(ApplicationService& service, FileViewer& viewer = sharedFileViewer());
 
   // Never destroyed.
   [[nodiscard]] static NSWorkspace& sharedWorkspace();
@@ -54,10 +55,15 @@ class NSWorkspace : public NSObject {
       std::string_view fileUrl, std::uint32_t options, const Dictionary& configuration,
       std::optional<NSError>* error);
 
+  // Shows the file's folder with the file selected in it. False, and a diagnostic, when nothing on
+  // this desktop can. `root` is not used: file viewers here have no root.
+  bool selectFileInFileViewerRootedAtPath(std::string_view file, std::string_view root);
+
   [[nodiscard]] std::string_view className() const override { return "NSWorkspace"; }
 
  private:
   ApplicationService& service_;
+  FileViewer& viewer_;
 };
 
 }  // namespace vornix

@@ -19,7 +19,7 @@ void CFPreferencesSetValue(PreferencesStore& store, std::string_view key,
                            const std::optional<Value>& value, std::string_view domain);
 bool CFPreferencesSynchronize(PreferencesStore& store, std::string_view domain);
 // The whole search list of that application: its domain, the user's global domain, then both for
-// any user.
+// any user, then what `searchPreferences` falls back to.
 [[nodiscard]] std::optional<Value> CFPreferencesCopyAppValue(PreferencesStore& store,
                                                              std::string_view key,
                                                              std::string_view domain);

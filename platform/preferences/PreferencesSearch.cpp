@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/desktop/AccessibilityStatus.h"
 #include "platform/system/NSProcessInfo.h"
 
 namespace vornix {
@@ -17,13 +18,22 @@ std::optional<Value> searchUser(PreferencesStore& store, std::string_view key,
   return store.copyValue(key, kGlobalPreferencesDomain, user);
 }
 
-std::optional<Value> environmentValue(std::string_view key) {
-  if (key != "AppleLanguages") return std::nullopt;
+std::optional<Value> languagesOfLocale() {
   Array languages;
   for (std::string& language : NSProcessInfo::processInfo().localeLanguages()) {
     languages.emplace_back(std::move(language));
   }
   return languages.empty() ? std::nullopt : std::optional<Value>(std::move(languages));
+}
+
+std::optional<Value> environmentValue(std::string_view key, std::span<const std::string> domains) {
+  if (key == "AppleLanguages") return languagesOfLocale();
+  const bool isOnScreenReader =
+      key == "voiceOverOnOffKey" &&
+      std::ranges::find(domains, "com.apple.universalaccess") != domains.end();
+  if (!isOnScreenReader) return std::nullopt;
+  const auto isEnabled = sharedAccessibilityStatus().isScreenReaderEnabled();
+  return isEnabled ? std::optional<Value>(*isEnabled) : std::nullopt;
 }
 
 }  // namespace
@@ -32,7 +42,7 @@ std::optional<Value> searchPreferences(PreferencesStore& store, std::string_view
                                        std::span<const std::string> domains) {
   if (auto value = searchUser(store, key, domains, PreferencesUser::Current)) return value;
   if (auto value = searchUser(store, key, domains, PreferencesUser::Any)) return value;
-  return environmentValue(key);
+  return environmentValue(key, domains);
 }
 
 bool containsNull(const Value& value) {

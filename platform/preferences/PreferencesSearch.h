@@ -15,7 +15,8 @@ inline constexpr std::string_view kGlobalPreferencesDomain = ".GlobalPreferences
 
 // The key's first value in: `domains` in their order (empty names are skipped), the user's global
 // domain, the same domains for any user. "AppleLanguages" falls back to the languages of the locale
-// environment. Any thread.
+// environment, "voiceOverOnOffKey" of "com.apple.universalaccess" to what the desktop tells of its
+// screen reader, which may take seconds. Any thread.
 [[nodiscard]] std::optional<Value> searchPreferences(PreferencesStore& store, std::string_view key,
                                                      std::span<const std::string> domains);
 

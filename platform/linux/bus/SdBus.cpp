@@ -1,5 +1,6 @@
 #include "platform/linux/bus/SdBus.h"
 
+#include <mutex>
 #include <optional>
 
 #include "platform/linux/system/SharedLibrary.h"
@@ -31,6 +32,8 @@ std::optional<SdBus>& loaded() {
 }  // namespace
 
 const SdBus* loadSdBus(std::string* why) {
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
   if (!loaded()) {
     loaded() = load(why);
   }

@@ -59,10 +59,10 @@ struct SdBus {
   const unsigned* vtableFormat = nullptr;
 };
 
-// Null when the library cannot be loaded; `why`, when given, then says so. Main thread.
+// Null when the library cannot be loaded; `why`, when given, then says so. Any thread.
 [[nodiscard]] const SdBus* loadSdBus(std::string* why);
 
-// Only after `loadSdBus` has succeeded.
+// Only after `loadSdBus` has succeeded on the same thread.
 [[nodiscard]] const SdBus& sdBus();
 
 }  // namespace vornix

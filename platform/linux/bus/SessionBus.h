@@ -98,22 +98,23 @@ enum class BusNameClaim {
   replacing
 };
 
-// The process's connection to the session bus, opened when first needed and served by the run
-// loop. Handlers are called from the loop, never from inside an operation of this class, so they
-// may call, turn the loop, or drop registrations. When the connection breaks, registrations and
-// names are gone; the next `connect` starts afresh. Main thread.
+// A connection to the session bus, opened when first needed and served by the run loop. Handlers
+// are called from the loop, never from inside an operation of this class, so they may call, turn
+// the loop, or drop registrations. When the connection breaks, registrations and names are gone;
+// the next `connect` starts afresh. The loop's thread only.
 class SessionBus {
  public:
   using Writer = std::function<void(BusMessage&)>;
   using ReplyHandler = std::function<void(BusReply)>;
   using SignalHandler = std::function<void(BusMessage&)>;
 
+  // `loop`: the calling thread's.
   explicit SessionBus(std::shared_ptr<NSRunLoop> loop);
   SessionBus(const SessionBus&) = delete;
   SessionBus& operator=(const SessionBus&) = delete;
   ~SessionBus();
 
-  // The one of the main run loop; does nothing until used. Never destroyed.
+  // The process's own, of the main run loop; does nothing until used. Never destroyed.
   [[nodiscard]] static SessionBus& shared();
 
   // Connects unless connected. An error, within `kBusTimeout`, when there is no bus.

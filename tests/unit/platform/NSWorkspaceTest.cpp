@@ -5,10 +5,12 @@
 
 #include "platform/base/FileUrl.h"
 #include "tests/fakes/FakeApplicationService.h"
+#include "tests/fakes/FakeFileViewer.h"
 
 namespace vornix {
 namespace {
 
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -41,7 +43,8 @@ TEST(FileUrl, RefusesWhatIsNoFileOfThisMachine) {
 class NSWorkspaceTest : public testing::Test {
  protected:
   fakes::FakeApplicationService applications;
-  NSWorkspace workspace{applications};
+  fakes::FakeFileViewer viewer;
+  NSWorkspace workspace{applications, viewer};
 };
 
 TEST_F(NSWorkspaceTest, AnswersASnapshotInLaunchOrder) {
@@ -95,6 +98,14 @@ TEST_F(NSWorkspaceTest, AnswersAnErrorForAUrlThatIsNoFile) {
   EXPECT_EQ(error->domain, NSCocoaErrorDomain);
   EXPECT_THAT(applications.launched, IsEmpty());
   EXPECT_EQ(workspace.launchApplicationAtURL("", 0, {}, nullptr), nullptr);
+}
+
+TEST_F(NSWorkspaceTest, HasTheFileViewerSelectTheFile) {
+  EXPECT_TRUE(workspace.selectFileInFileViewerRootedAtPath("/home/ada", ""));
+  EXPECT_TRUE(workspace.selectFileInFileViewerRootedAtPath("/home", "/"));
+  viewer.canSelect = viewer.canOpen = false;
+  EXPECT_FALSE(workspace.selectFileInFileViewerRootedAtPath("/home", ""));
+  EXPECT_THAT(viewer.selected, ElementsAre("/home/ada", "/home"));
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ class Start {
       : entry_(entry), session_(session), bus_(bus), environment_(session.environment) {
     std::erase_if(environment_, isOfTheStarter);
     environment_ = environmentWithActivationToken(std::move(environment_), request.activationToken);
-    environment_.push_back(std::string(kLaunchedFile) + "=" + entry.path);
+    if (isOfFile()) environment_.push_back(std::string(kLaunchedFile) + "=" + entry.path);
   }
 
   std::optional<std::int32_t> run(const std::vector<CommandLine>& lines,
@@ -94,13 +94,16 @@ class Start {
   }
 
  private:
+  [[nodiscard]] bool isOfFile() const { return !entry_.path.empty(); }
+
   [[nodiscard]] std::optional<std::string> resolve(CommandLine& line,
                                                    std::optional<NSError>& error) const {
     const ProgramSearch programs(session_.programFolders);
     if (entry_.runsInTerminal) line.insert(line.begin(), {std::string(kTerminal), "-e"});
     auto program = programs.find(line.front());
     if (!program) {
-      error = startError(entry_.path + ": the program \"" + line.front() + "\" is missing");
+      error = startError((isOfFile() ? entry_.path : entry_.identifier) + ": the program \"" +
+                         line.front() + "\" is missing");
       return std::nullopt;
     }
     // A path is relative to where we are, also when the application starts elsewhere.
@@ -119,7 +122,7 @@ class Start {
     return startDetached({.path = program,
                           .arguments = line,
                           .environment = environment_,
-                          .processVariable = std::string(kLaunchedProcess),
+                          .processVariable = std::string(isOfFile() ? kLaunchedProcess : ""),
                           .workingDirectory = entry_.workingDirectory},
                          error);
   }

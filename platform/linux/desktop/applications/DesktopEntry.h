@@ -10,6 +10,7 @@ namespace vornix::desktop {
 struct DesktopEntry {
   // The file's name below its application folder, without suffix, "-" for "/".
   std::string identifier{};
+  // Empty for a command that stands in no file.
   std::string path{};
   // In the user's language.
   std::string name{};
