@@ -1,5 +1,6 @@
 #include "platform/base/FileUrl.h"
 
+#include "platform/base/PercentEscapes.h"
 #include "platform/base/Text.h"
 
 namespace vornix::text {
@@ -13,29 +14,6 @@ bool isPlain(char letter) {
   const bool isLetter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
   const bool isDigit = letter >= '0' && letter <= '9';
   return isLetter || isDigit || std::string_view("-._~/").find(letter) != std::string_view::npos;
-}
-
-int valueOfDigit(char digit) {
-  const auto at = kDigits.find(asciiUppercase(std::string_view(&digit, 1)));
-  return at == std::string_view::npos ? -1 : static_cast<int>(at);
-}
-
-std::optional<std::string> withoutEscapes(std::string_view escaped) {
-  std::string bytes;
-  for (std::size_t i = 0; i < escaped.size(); ++i) {
-    if (escaped[i] != '%') {
-      bytes += escaped[i];
-      continue;
-    }
-    if (i + 2 >= escaped.size()) return std::nullopt;
-    const int high = valueOfDigit(escaped[i + 1]);
-    const int low = valueOfDigit(escaped[i + 2]);
-    const bool isBroken = high < 0 || low < 0 || (high == 0 && low == 0);
-    if (isBroken) return std::nullopt;
-    bytes += static_cast<char>(high * 16 + low);
-    i += 2;
-  }
-  return bytes;
 }
 
 }  // namespace
@@ -62,8 +40,10 @@ std::optional<std::string> pathOfFileUrl(std::string_view url) {
   url.remove_prefix(kScheme.size());
   if (url.starts_with(kLocalHost)) url.remove_prefix(kLocalHost.size());
   if (!url.starts_with('/')) return std::nullopt;
-  auto path = withoutEscapes(url);
-  while (path && path->size() > 1 && path->ends_with('/')) path->pop_back();
+  auto path = bytesOfPercentEscapes(url);
+  const bool canNamePath = path && path->find('\0') == std::string::npos;
+  if (!canNamePath) return std::nullopt;
+  while (path->size() > 1 && path->ends_with('/')) path->pop_back();
   return path;
 }
 

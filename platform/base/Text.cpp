@@ -148,14 +148,4 @@ std::string join(const std::vector<std::string>& pieces, std::string_view separa
   return result;
 }
 
-bool isValidUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const DecodedCharacter character = decodeCharacter(bytes);
-    const bool surrogate = character.codePoint >= 0xD800 && character.codePoint <= 0xDFFF;
-    if (!character.wellFormed || surrogate) return false;
-    bytes.remove_prefix(character.length);
-  }
-  return true;
-}
-
 }  // namespace vornix::text
