@@ -1,0 +1,77 @@
+#include "bench/foundation/Comparison.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <tuple>
+
+namespace vornix::bench {
+namespace {
+
+constexpr std::size_t kPairs = 101;
+constexpr double kShortestBatchSeconds = 2e-3;
+
+double now(Clock clock) {
+  if (clock == Clock::processor) return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+double secondsOf(const std::function<void(std::size_t)>& side, std::size_t times, Clock clock) {
+  const double started = now(clock);
+  side(times);
+  return now(clock) - started;
+}
+
+std::size_t timesOfABatch(const Comparison& comparison) {
+  for (std::size_t times = 1;; times *= 2) {
+    const double shorter = std::min(secondsOf(comparison.ours, times, comparison.clock),
+                                    secondsOf(comparison.theirs, times, comparison.clock));
+    if (shorter >= kShortestBatchSeconds) return times;
+  }
+}
+
+std::vector<double> sortedRatios(const Comparison& comparison) {
+  const std::size_t times = timesOfABatch(comparison);
+  std::vector<double> ratios;
+  for (std::size_t pair = 0; pair < kPairs; ++pair) {
+    const bool weBegin = pair % 2 == 0;
+    const auto& [first, second] = weBegin ? std::tie(comparison.ours, comparison.theirs)
+                                          : std::tie(comparison.theirs, comparison.ours);
+    const double firstSeconds = secondsOf(first, times, comparison.clock);
+    const double secondSeconds = secondsOf(second, times, comparison.clock);
+    ratios.push_back(weBegin ? firstSeconds / secondSeconds : secondSeconds / firstSeconds);
+  }
+  std::ranges::sort(ratios);
+  return ratios;
+}
+
+}  // namespace
+
+void printHead() {
+  std::printf(
+      "time of ours / time of the other: median and middle fifth of %zu alternating pairs\n\n",
+      kPairs);
+  std::printf("%-34s %-26s %6s %6s  %-12s\n", "ours", "the other", "bar", "ratio", "middle fifth");
+}
+
+bool printRow(const Comparison& comparison) {
+  const std::vector<double> ratios = sortedRatios(comparison);
+  const double median = ratios[kPairs / 2];
+  const bool holds = median <= comparison.bar;
+  std::printf("%-34s %-26s %6.2f %6.2f  %.2f to %.2f  %s\n", comparison.name.c_str(),
+              comparison.peer.c_str(), comparison.bar, median, ratios[kPairs * 2 / 5],
+              ratios[kPairs * 3 / 5], holds ? "holds" : "MISSED");
+  std::fflush(stdout);
+  return holds;
+}
+
+bool printRow(const Count& count) {
+  const std::size_t counted = count.count();
+  const bool holds = counted == count.expected;
+  std::printf("%-61s %6zu %6zu  %12s  %s\n", count.name.c_str(), count.expected, counted, "",
+              holds ? "holds" : "MISSED");
+  return holds;
+}
+
+}  // namespace vornix::bench
