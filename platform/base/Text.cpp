@@ -5,18 +5,13 @@
 #include <limits>
 
 #include "platform/base/Utf8.h"
+#include "platform/base/WhiteSpace.h"
 
 namespace vornix::text {
 namespace {
 
 bool isAsciiDigit(char c) {
   return c >= '0' && c <= '9';
-}
-
-bool isUnicodeSpace(char32_t c) {
-  return (c >= 0x09 && c <= 0x0D) || c == 0x20 || c == 0x85 || c == 0xA0 || c == 0x1680 ||
-         (c >= 0x2000 && c <= 0x200B) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
-         c == 0x3000;
 }
 
 // Where the last character of `text` starts.
@@ -32,7 +27,7 @@ std::size_t lastCharacterStart(std::string_view text) {
 
 bool isSpaceAt(std::string_view text) {
   const DecodedCharacter character = decodeCharacter(text);
-  return character.wellFormed && isUnicodeSpace(character.codePoint);
+  return character.wellFormed && isWhiteSpaceOrNewline(character.codePoint);
 }
 
 std::string_view withoutLeadingSpace(std::string_view text) {

@@ -1,5 +1,10 @@
 #include "platform/base/Utf8.h"
 
+#include <cstdint>
+#include <cstring>
+
+#include "platform/base/Utf16.h"
+
 namespace vornix::text {
 namespace {
 
@@ -60,16 +65,34 @@ std::u16string utf16Units(std::string_view text) {
   units.reserve(text.size());
   while (!text.empty()) {
     const DecodedCharacter character = decodeCharacter(text);
-    if (character.codePoint >= 0x10000) {
-      const char32_t offset = character.codePoint - 0x10000;
-      units += static_cast<char16_t>(0xD800 + (offset >> 10U));
-      units += static_cast<char16_t>(0xDC00 + (offset & 0x3FFU));
-    } else {
-      units += static_cast<char16_t>(character.codePoint);
-    }
+    appendUnits(units, character.codePoint);
     text.remove_prefix(character.length);
   }
   return units;
+}
+
+bool isAscii(std::string_view text) {
+  constexpr std::uint64_t highBits = 0x8080808080808080;
+  while (text.size() >= sizeof(std::uint64_t)) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data(), sizeof word);
+    if ((word & highBits) != 0) return false;
+    text.remove_prefix(sizeof word);
+  }
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) >= 0x80) return false;
+  }
+  return true;
+}
+
+bool hasIllFormedByte(std::string_view text) {
+  if (isAscii(text)) return false;
+  while (!text.empty()) {
+    const DecodedCharacter character = decodeCharacter(text);
+    if (!character.wellFormed) return true;
+    text.remove_prefix(character.length);
+  }
+  return false;
 }
 
 }  // namespace vornix::text

@@ -23,4 +23,9 @@ void appendCharacter(std::string& text, char32_t codePoint);
 
 [[nodiscard]] std::u16string utf16Units(std::string_view text);
 
+// Bytes below 0x80 only; true for the empty text.
+[[nodiscard]] bool isAscii(std::string_view text);
+// True when some byte belongs to no character. Surrogates in their three-byte form are characters.
+[[nodiscard]] bool hasIllFormedByte(std::string_view text);
+
 }  // namespace vornix::text

@@ -3,6 +3,7 @@
 #include <ctime>
 #include <utility>
 
+#include "platform/base/Utf16.h"
 #include "platform/base/Utf8.h"
 #include "platform/linux/system/DatePattern.h"
 #include "platform/linux/system/LocaleDates.h"
@@ -32,20 +33,6 @@ struct Icu {
   }
 };
 
-std::string utf8(std::u16string_view units) {
-  std::string text;
-  for (std::size_t index = 0; index < units.size(); ++index) {
-    char32_t character = units[index];
-    const bool paired = U16_IS_LEAD(character) && index + 1 < units.size();
-    if (paired) {
-      const char32_t trail = units[++index];
-      character = U16_GET_SUPPLEMENTARY(character, trail);
-    }
-    text::appendCharacter(text, character);
-  }
-  return text;
-}
-
 class IcuDateFormatter final : public NSDateFormatter {
  public:
   IcuDateFormatter(Icu icu, UDateFormat* format) : icu_(icu), format_(format) {}
@@ -65,7 +52,7 @@ class IcuDateFormatter final : public NSDateFormatter {
       const bool tooLong = error == U_BUFFER_OVERFLOW_ERROR;
       if (U_FAILURE(error) && !tooLong) return {};
       units.resize(static_cast<std::size_t>(length));
-      if (!tooLong) return utf8(units);
+      if (!tooLong) return text::textOfUnits(units);
     }
   }
 

@@ -1,0 +1,14 @@
+#include "platform/text/ByteSearch.h"
+
+#include <cstring>
+
+namespace vornix::text {
+
+std::size_t findBytes(std::string_view bytes, std::string_view pattern) {
+  if (pattern.empty()) return 0;
+  const void* found = memmem(bytes.data(), bytes.size(), pattern.data(), pattern.size());
+  if (found == nullptr) return std::string_view::npos;
+  return static_cast<std::size_t>(static_cast<const char*>(found) - bytes.data());
+}
+
+}  // namespace vornix::text
