@@ -2,7 +2,7 @@
 
 #include "analytics/AnalyticsParameter.h"
 #include "analytics/HitType.h"
-#include "foundation/NSString+URLAdditions.h"
+#include "foundation/NSString+NSStringAdditions.h"
 #include "platform/base/Format.h"
 #include "platform/base/Text.h"
 

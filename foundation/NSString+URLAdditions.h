@@ -4,11 +4,20 @@
 #include <string>
 #include <string_view>
 
+#include "platform/base/Value.h"
+
 namespace vornix {
 
-// The receiver with the characters escaped that may not stand in a URL, and with "%26" for every
-// "&"; other reserved characters stay. None for a text that is not well-formed UTF-8.
-[[nodiscard]] std::optional<std::string> vnx_stringEncodedAsURL(std::string_view self);
+// With `withString` in the place of every `target`, from the left and without looking into what was
+// inserted. Canonically equivalent texts count as equal, and nothing is replaced within a composed
+// sequence. An empty target stands nowhere.
+[[nodiscard]] std::string stringByReplacingOccurrencesOfString(std::string_view self,
+                                                               std::string_view target,
+                                                               std::string_view withString);
+
+// "key=value&key=value" in the dictionary's order, keys and values escaped but for "&", "=" and
+// "+", values as "%@" prints them. A key or value that is not well-formed becomes "(null)".
+[[nodiscard]] std::string URLParamsStringWithDictionary(const Dictionary& dictionary);
 
 // The receiver with everything escaped but letters, digits and the characters -._~. None for a text
 // that is not well-formed UTF-8.
