@@ -33,7 +33,7 @@ TEST(LinuxVolumes, KnowsNoVolumeOfAFolderThatAnotherCovers) {
     EXPECT_EQ(sharedVolumes().volumePathOf("."), std::nullopt);
     EXPECT_EQ(sharedVolumes().volumePathOf(world.path("disk")), world.path("disk"));
   });
-  if (outcome == Outcome::mayNotMount) GTEST_SKIP() << "NOT TESTED: may not mount";
+  if (outcome == Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST(LinuxVolumes, KnowsNoVolumeOfAFolderThatWasRemoved) {
@@ -60,7 +60,7 @@ TEST(LinuxVolumes, FindsTheVolumeOfWhatLiesTooDeepForAPath) {
     EXPECT_EQ(sharedVolumes().volumePathOf("file"), world.path("disk"));
     EXPECT_EQ(sharedVolumes().volumePathOf("missing"), std::nullopt);
   });
-  if (outcome == Outcome::mayNotMount) GTEST_SKIP() << "NOT TESTED: may not mount";
+  if (outcome == Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST(CanonicalPath, FollowsEveryLinkButTheLast) {

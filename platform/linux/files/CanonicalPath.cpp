@@ -14,7 +14,7 @@ struct Free {
 };
 
 std::optional<std::string> withoutLinks(const std::string& path) {
-  const std::unique_ptr<char, Free> resolved(realpath(path.c_str(), nullptr));
+  const std::unique_ptr<char, Free> resolved(canonicalize_file_name(path.c_str()));
   return resolved ? std::optional<std::string>(resolved.get()) : std::nullopt;
 }
 

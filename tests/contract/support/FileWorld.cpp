@@ -16,7 +16,7 @@ namespace vornix::contract {
 namespace {
 
 constexpr int kFailed = 1;
-constexpr int kMayNotMount = 77;
+constexpr int kMountsRefused = 77;
 
 bool write(const char* path, const std::string& text) {
   std::ofstream file(path);
@@ -76,7 +76,7 @@ void LinuxFileWorld::bind(const std::string& source, const std::string& name) {
 
 void LinuxFileWorld::attach(const std::string& source, const std::string& name, const char* type,
                             unsigned long flags) {
-  if (!isApart_ && !goApart()) end(testing::Test::HasFailure() ? kFailed : kMayNotMount);
+  if (!isApart_ && !goApart()) end(testing::Test::HasFailure() ? kFailed : kMountsRefused);
   isApart_ = true;
   EXPECT_EQ(::mount(source.c_str(), path(name).c_str(), type, flags, nullptr), 0) << name;
 }
@@ -92,7 +92,7 @@ LinuxFileWorld::Outcome LinuxFileWorld::play(const std::function<void(LinuxFileW
   }
   int status = 0;
   EXPECT_EQ(waitpid(child, &status, 0), child);
-  if (WIFEXITED(status) && WEXITSTATUS(status) == kMayNotMount) return Outcome::mayNotMount;
+  if (WIFEXITED(status) && WEXITSTATUS(status) == kMountsRefused) return Outcome::mayNotMount;
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see above";
   return Outcome::played;
 }

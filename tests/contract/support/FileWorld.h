@@ -10,6 +10,9 @@
 
 namespace vornix::contract {
 
+inline constexpr const char* kMayNotMount =
+    "NOT TESTED: this account may mount nothing, not even in a user namespace of its own";
+
 // Items by their paths below the world's root, in memory.
 class FakeFileWorld {
  public:
