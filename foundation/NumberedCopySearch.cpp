@@ -38,7 +38,7 @@ class NumberFinder {
 NumberedCopySearch::NumberedCopySearch(std::string_view name) {
   while (!name.empty()) {
     const auto character = text::decodeCharacter(name);
-    for (const char32_t symbol : foldedSymbols(character).view()) name_.append(symbol);
+    for (const char32_t symbol : foldedSymbols(character)) name_.append(symbol);
     name.remove_prefix(character.length);
   }
 }
@@ -54,7 +54,7 @@ bool NumberedCopySearch::isIn(std::string_view text) const {
     const auto character = text::decodeCharacter(text.substr(offset));
     offset += character.length;
     bool isFirst = true;
-    for (const char32_t symbol : foldedSymbols(character).view()) {
+    for (const char32_t symbol : foldedSymbols(character)) {
       begins[seen++ % begins.size()] = isFirst;
       matched = name_.advanced(matched, symbol);
       isFirst = false;

@@ -14,7 +14,11 @@ struct FewCharacters {
   std::array<char32_t, 4> characters{};
   std::size_t count = 0;
 
-  [[nodiscard]] std::u32string_view view() const { return {characters.data(), count}; }
+  [[nodiscard]] const char32_t* begin() const { return characters.data(); }
+  [[nodiscard]] const char32_t* end() const { return characters.data() + count; }
+  // Not of a temporary, which a loop would outlive.
+  [[nodiscard]] std::u32string_view view() const& { return {characters.data(), count}; }
+  std::u32string_view view() const&& = delete;
 };
 
 // In full, Hangul syllables included; the character itself where there is nothing to take apart.

@@ -76,7 +76,8 @@ DecodedCharacter ComposedSequences::characterAt(std::size_t offset) const {
 
 void ComposedSequences::take(char32_t character) {
   if (tooLong_) return;
-  characters_ += canonicalDecomposition(character).view();
+  const FewCharacters parts = canonicalDecomposition(character);
+  characters_ += parts.view();
   tooLong_ = characters_.size() > longest_;
 }
 
@@ -98,7 +99,7 @@ bool ComposedSequences::next() {
     current = following;
   }
   if (tooLong_) characters_.clear();
-  if (characters_.size() > 2) orderMarks(characters_);
+  if (characters_.size() > 1) orderMarks(characters_);
   return true;
 }
 

@@ -22,7 +22,7 @@ constexpr char32_t kLastCharacter = 0x10FFFF;
 
 std::string textOf(const FewCharacters& few) {
   std::string text;
-  for (const char32_t c : few.view()) appendCharacter(text, c);
+  for (const char32_t c : few) appendCharacter(text, c);
   return text;
 }
 

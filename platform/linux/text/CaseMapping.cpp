@@ -76,7 +76,7 @@ FewCharacters titlecaseWith(const IcuCharacters& icu, char32_t character) {
 
 std::string textOf(const FewCharacters& few) {
   std::string text;
-  for (const char32_t character : few.view()) appendCharacter(text, character);
+  for (const char32_t character : few) appendCharacter(text, character);
   return text;
 }
 

@@ -128,8 +128,7 @@ TEST(NSStringAdditions, AnswersTheReceiverWhereNothingIsSubstituted) {
 
 TEST(NSStringAdditions, SubstitutesInOnePassThroughAHugeText) {
   const auto set = NSCharacterSet::characterSetWithCharactersInString("a");
-  EXPECT_EQ(stringWithSubstitute(repeated("a", 2 * kMany), "bb", set),
-            repeated("b", 4 * kMany));
+  EXPECT_EQ(stringWithSubstitute(repeated("a", 2 * kMany), "bb", set), repeated("b", 4 * kMany));
 }
 
 TEST(NSStringAdditions, TrimsWhiteSpaceAndLineEndsAtBothEnds) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/text/SequenceMatches.h"
+#include "tests/support/CanonicalOracle.h"
 #include "tests/support/RandomText.h"
 
 namespace vornix::text {
@@ -124,6 +125,7 @@ TEST(CanonicalSearch, FindsNothingWithinAComposedSequence) {
 
 TEST(CanonicalSearch, FindsAMarkThatFollowsNothing) {
   constexpr std::array rows{Row{"\u0301", "\u0301", at(0, 2)},
+                            Row{"\u0323\u0301", "\u0301\u0323", at(0, 4)},
                             Row{"\xFF\u0301", "\u0301", at(1, 2)}, Row{"\u0301x", "x", at(2, 1)}};
   expectRows(rows);
 }
@@ -207,6 +209,36 @@ TEST(CanonicalSearch, FindsInAnyTextWhatItWasMadeFrom) {
     const std::string text = before + pattern + "." + random.next(5);
     ASSERT_EQ(firstMatch(text, pattern), at(before.size(), pattern.size())) << text;
   }
+}
+
+TEST(CanonicalSearch, FindsWhatASearchByHandFinds) {
+  constexpr std::array pieces{
+      "a"sv,          "e"sv,          "e\u0301"sv,    "\u00E9"sv, "\u0301"sv,
+      "\u0323"sv,     "\u1EB9"sv,     "\uD558"sv,     "\uD55C"sv, "\u1112"sv,
+      "\u1161"sv,     "\u11AB"sv,     "\u212A"sv,     "K"sv,      "\u200D"sv,
+      "\uFE0F"sv,     "\u0915"sv,     "\u093E"sv,     "\u0958"sv, "\u093C"sv,
+      "\U0001D15E"sv, "\U0001D157"sv, "\U0001D165"sv, "\xFF"sv,   "\xED\xA0\x80"sv};
+  int matches = 0;
+  for (std::uint32_t seed = 1; seed <= 20'000; ++seed) {
+    // A few pieces at a time, so that matches are frequent.
+    tests::RandomText choice(pieces, seed);
+    std::array<std::string_view, 4> few;
+    for (auto& piece : few) piece = pieces[choice.below(pieces.size())];
+    tests::RandomText random(few, seed);
+    const std::string text = random.next(8);
+    const std::string pattern = random.next(2) + random.next(1);
+    if (pattern.empty()) continue;
+    CanonicalMatches found(text, pattern);
+    std::size_t from = 0;
+    for (bool more = true; more;) {
+      const auto expected = tests::firstMatchByHand(text, pattern, from);
+      ASSERT_EQ(found.next(), expected) << '"' << pattern << "\" in \"" << text << '"';
+      more = expected.has_value();
+      if (more) from = expected->offset + expected->length;
+      matches += more ? 1 : 0;
+    }
+  }
+  EXPECT_GT(matches, 5000);
 }
 
 // Each of these takes minutes where the work grows with the product of the lengths.
