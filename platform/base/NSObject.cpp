@@ -1,24 +1,11 @@
 #include "platform/base/NSObject.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "platform/base/Format.h"
+#include "platform/base/NSObjectState.h"
 
 namespace vornix {
-
-class NSObject::Observers {
- public:
-  struct Entry {
-    std::weak_ptr<NSObject> observer;
-    const NSObject* identity;
-    std::string keyPath;
-    bool isRemoved = false;
-  };
-
-  // Shared, so that a delivery going on sees a removal.
-  std::vector<std::shared_ptr<Entry>> entries;
-};
 
 NSObject::~NSObject() = default;
 
@@ -26,17 +13,22 @@ std::string NSObject::description() const {
   return text::format("<%@: %p>", className(), static_cast<const void*>(this));
 }
 
+NSObject::State& NSObject::state() {
+  if (!state_) state_ = std::make_shared<State>();
+  return *state_;
+}
+
 void NSObject::addObserver(const std::shared_ptr<NSObject>& observer, std::string_view keyPath) {
   if (!observer) return;
-  if (!observers_) observers_ = std::make_shared<Observers>();
-  std::erase_if(observers_->entries, [](const auto& entry) { return entry->observer.expired(); });
-  observers_->entries.push_back(std::make_shared<Observers::Entry>(
-      Observers::Entry{observer, observer.get(), std::string(keyPath)}));
+  auto& observers = state().observers;
+  std::erase_if(observers, [](const auto& entry) { return entry->observer.expired(); });
+  observers.push_back(std::make_shared<State::Observer>(
+      State::Observer{observer, observer.get(), std::string(keyPath)}));
 }
 
 void NSObject::removeObserver(const NSObject& observer, std::string_view keyPath) {
-  if (!observers_) return;
-  std::erase_if(observers_->entries, [&](const auto& entry) {
+  if (!state_) return;
+  std::erase_if(state_->observers, [&](const auto& entry) {
     const bool matches = entry->identity == &observer && entry->keyPath == keyPath;
     if (matches) entry->isRemoved = true;
     return matches;
@@ -46,11 +38,11 @@ void NSObject::removeObserver(const NSObject& observer, std::string_view keyPath
 void NSObject::willChangeValueForKey(std::string_view /*key*/) {}
 
 void NSObject::didChangeValueForKey(std::string_view key) {
-  if (!observers_) return;
+  if (!state_ || state_->observers.empty()) return;
   // An observer may release the last reference to this object, and add or remove observers.
   const auto keptAlive = weak_from_this().lock();
-  const auto entries = observers_->entries;
-  for (const auto& entry : entries) {
+  const auto observers = state_->observers;
+  for (const auto& entry : observers) {
     if (entry->isRemoved || entry->keyPath != key) continue;
     if (const auto observer = entry->observer.lock()) observer->observeValueForKeyPath(key, *this);
   }
