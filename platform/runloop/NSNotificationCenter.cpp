@@ -43,6 +43,12 @@ class NSNotificationCenter::State {
     return removed;
   }
 
+  [[nodiscard]] bool hasObserver(std::string_view name) const {
+    const std::lock_guard lock(mutex_);
+    return std::ranges::any_of(observers_,
+                               [&](const auto& observer) { return observer->name == name; });
+  }
+
   [[nodiscard]] std::vector<std::shared_ptr<Observer>> observersOf(
       const NSNotification& notification) const {
     const std::lock_guard lock(mutex_);
@@ -80,6 +86,10 @@ NSNotificationCenter::ObserverToken NSNotificationCenter::addObserver(std::strin
 
 void NSNotificationCenter::removeObserver(const ObserverToken& token) {
   (void)state_->remove(token.get());
+}
+
+bool NSNotificationCenter::hasObserver(std::string_view name) const {
+  return state_->hasObserver(name);
 }
 
 void NSNotificationCenter::postNotification(const NSNotification& notification) {

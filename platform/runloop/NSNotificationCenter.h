@@ -47,6 +47,8 @@ class NSNotificationCenter {
                                           const NSObject* object = nullptr);
   // A token of another centre, null, or one removed before has no effect.
   void removeObserver(const ObserverToken& token);
+  // Whether anybody has registered for the name.
+  [[nodiscard]] bool hasObserver(std::string_view name) const;
   void postNotification(const NSNotification& notification);
 
  private:

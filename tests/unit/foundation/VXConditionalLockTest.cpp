@@ -2,14 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <future>
+#include <limits>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "foundation/VXBoolConditionalLock.h"
+#include "platform/base/NSDictionary.h"
+#include "platform/base/NSNull.h"
+#include "tests/support/Record.h"
 
 namespace vornix {
 namespace {
@@ -161,6 +166,80 @@ TEST(VXBoolConditionalLock, ManyThreadsMaySetAndWaitAtTheSameTime) {
   lock->setBoolValue(false);
   EXPECT_FALSE(lock->isLocked());
   EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
+}
+
+// Half of the threads wait for good, a quarter give up after a moment, and a quarter turn the lock
+// on and off until every one of the others has waited as often as it should.
+TEST(VXBoolConditionalLock, SixtyFourThreadsMayWaitGiveUpAndSetTheValueAtTheSameTime) {
+  constexpr int kThreads = 64;
+  constexpr int kRounds = 100;
+  const auto lock = VXBoolConditionalLock::create();
+  std::atomic<int> waiting = kThreads * 3 / 4;
+  std::vector<std::thread> threads;
+  for (int number = 0; number < kThreads; ++number) {
+    threads.emplace_back([&, number] {
+      if (number % 4 == 0) {
+        for (bool value = true; waiting > 0; value = !value) lock->setBoolValue(value);
+        return;
+      }
+      for (int round = 0; round < kRounds; ++round) {
+        lock->waitForUnlockWithTimeout(number % 4 == 1 ? 0.0001 : -1);
+      }
+      --waiting;
+    });
+  }
+  // A setter may end on true, but not before nobody waits.
+  for (auto& thread : threads) thread.join();
+  lock->setBoolValue(true);
+  lock->setBoolValue(false);
+  EXPECT_FALSE(lock->isLocked());
+  EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
+}
+
+TEST(VXBoolConditionalLock, IsLockedByEveryNumberButNoughtAndByNothingElse) {
+  struct Case {
+    std::shared_ptr<NSObject> value;
+    bool locks;
+  };
+  const std::vector<Case> cases{{nullptr, false},
+                                {tests::number(true), true},
+                                {tests::number(false), false},
+                                {tests::number(1), true},
+                                {tests::number(0), false},
+                                {tests::number(-1), true},
+                                {tests::number(std::numeric_limits<std::int64_t>::min()), true},
+                                {tests::number(std::numeric_limits<std::int64_t>::max()), true},
+                                {tests::number(0.0), false},
+                                {tests::number(-0.0), false},
+                                {tests::number(0.5), true},
+                                {tests::number(1e300), true},
+                                {tests::number(std::numeric_limits<double>::denorm_min()), true},
+                                {tests::number(std::numeric_limits<double>::infinity()), true},
+                                {tests::text(""), false},
+                                {tests::text("1"), false},
+                                {tests::text("YES"), false},
+                                {tests::text("true"), false},
+                                {tests::text("\xF0\x9F\x98\x80"), false},
+                                {tests::text("\xFF"), false},
+                                {NSNull::null(), false},
+                                {std::make_shared<NSObject>(), false},
+                                {std::make_shared<NSDictionary>(), false},
+                                {VXConditionalLock::create(), false}};
+  const auto lock = VXBoolConditionalLock::create();
+  for (std::size_t index = 0; index < cases.size(); ++index) {
+    lock->setValue(cases[index].value);
+    EXPECT_EQ(lock->value(), cases[index].value) << index;
+    EXPECT_EQ(lock->boolValue(), cases[index].locks) << index;
+    EXPECT_EQ(lock->isLocked(), cases[index].locks) << index;
+  }
+}
+
+TEST(VXBoolConditionalLock, WhetherAValueLocksIsToldOfThePresentOneWhateverIsAsked) {
+  const auto lock = VXBoolConditionalLock::create();
+  EXPECT_FALSE(lock->shouldLockForValue(tests::number(true)));
+  lock->setBoolValue(true);
+  EXPECT_TRUE(lock->shouldLockForValue(nullptr));
+  lock->setBoolValue(false);
 }
 
 TEST(VXConditionalLock, APlainLockNeverBlocksWhateverItsValue) {

@@ -140,5 +140,14 @@ TEST_F(NSNotificationCenterTest, ManyThreadsMayPostAddAndRemove) {
   EXPECT_EQ(calls, 1600);
 }
 
+TEST_F(NSNotificationCenterTest, KnowsWhetherANameHasAnObserver) {
+  EXPECT_FALSE(center_.hasObserver("Cooked"));
+  const auto token = note("first");
+  EXPECT_TRUE(center_.hasObserver("Cooked"));
+  EXPECT_FALSE(center_.hasObserver("cooked"));
+  center_.removeObserver(token);
+  EXPECT_FALSE(center_.hasObserver("Cooked"));
+}
+
 }  // namespace
 }  // namespace vornix
