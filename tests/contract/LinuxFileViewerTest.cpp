@@ -21,8 +21,12 @@ namespace vornix::contract {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
 
 constexpr const char* kName = "org.freedesktop.FileManager1";
 
@@ -98,6 +102,19 @@ TEST(LinuxFileViewer, HandsTheProofOfTheClickToTheOpener) {
   EXPECT_TRUE(world.makeViewer()->select("/usr/bin"));
   EXPECT_EQ(world.awaitOpened(), "/usr");
   EXPECT_EQ(world.lastToken(), "proof");
+}
+
+TEST(LinuxFileViewer, HasTheServiceManagerRunTheOpener) {
+  LinuxFileViewerWorld world;
+  world.installOpener();
+  world.applications.managerRuns = true;
+  EXPECT_TRUE(world.makeViewer()->select("/usr/bin"));
+  ASSERT_THAT(world.applications.services, SizeIs(1));
+  const desktop::TransientService& service = world.applications.services[0];
+  EXPECT_EQ(service.program, world.folder.path("programs/xdg-open"));
+  EXPECT_THAT(service.arguments, ElementsAre("xdg-open", "/usr"));
+  // It is no application, and what it starts must not be taken for one.
+  EXPECT_THAT(service.environment, Not(Contains(StartsWith("GIO_LAUNCHED_DESKTOP_FILE"))));
 }
 
 TEST(LinuxFileViewer, TakesStepsUpwardsAsTheFileSystemDoes) {
