@@ -1,5 +1,6 @@
 #include "platform/base/Base64.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -25,20 +26,37 @@ constexpr std::array<Pair, 4096> charactersOfTwelveBits() {
 
 constexpr auto kPairs = charactersOfTwelveBits();
 
-void encodeGroup(const std::byte* bytes, char* characters) {
-  const std::uint32_t bits = std::to_integer<std::uint32_t>(bytes[0]) << 16U |
-                             std::to_integer<std::uint32_t>(bytes[1]) << 8U |
-                             std::to_integer<std::uint32_t>(bytes[2]);
-  std::memcpy(characters, kPairs[bits >> 12U].data(), sizeof(Pair));
-  std::memcpy(characters + sizeof(Pair), kPairs[bits & 0xFFFU].data(), sizeof(Pair));
+// The characters of the twelve bits that are the lowest.
+void writePair(std::uint64_t bits, char* characters) {
+  std::memcpy(characters, kPairs[bits & 0xFFFU].data(), sizeof(Pair));
 }
 
-void encodeRest(std::span<const std::byte> rest, char* characters) {
-  std::array<std::byte, 3> filled{};
-  std::memcpy(filled.data(), rest.data(), rest.size());
-  encodeGroup(filled.data(), characters);
-  if (rest.size() == 1) characters[2] = '=';
-  characters[3] = '=';
+// The bytes as one number, written out so that the compiler sees a single load.
+inline std::uint64_t bitsOf(const std::byte* bytes) {
+  const auto at = [bytes](std::size_t place) {
+    return std::to_integer<std::uint64_t>(bytes[place]) << (56 - 8 * place);
+  };
+  return at(0) | at(1) | at(2) | at(3) | at(4) | at(5) | at(6) | at(7);
+}
+
+// Two groups from six bytes; that there are two more only saves reading byte by byte.
+void encodeTwoGroups(const std::byte* bytes, char* characters) {
+  const std::uint64_t bits = bitsOf(bytes);
+  writePair(bits >> 52U, characters);
+  writePair(bits >> 40U, characters + 2);
+  writePair(bits >> 28U, characters + 4);
+  writePair(bits >> 16U, characters + 6);
+}
+
+// One group from one to three bytes, padded.
+void encodeGroup(std::span<const std::byte> bytes, char* characters) {
+  std::array<std::byte, 8> filled{};
+  std::memcpy(filled.data(), bytes.data(), bytes.size());
+  const std::uint64_t bits = bitsOf(filled.data());
+  writePair(bits >> 52U, characters);
+  writePair(bits >> 40U, characters + 2);
+  if (bytes.size() < 2) characters[2] = '=';
+  if (bytes.size() < 3) characters[3] = '=';
 }
 
 enum Kind : std::uint8_t { kSkipped = 64, kEnd = 65, kForeign = 66 };
@@ -159,12 +177,17 @@ class Decoder {
 std::string base64Encode(std::span<const std::byte> data) {
   std::string text((data.size() + 2) / 3 * 4, '\0');
   char* characters = text.data();
-  while (data.size() >= 3) {
-    encodeGroup(data.data(), characters);
-    data = data.subspan(3);
+  while (data.size() >= 8) {
+    encodeTwoGroups(data.data(), characters);
+    data = data.subspan(6);
+    characters += 8;
+  }
+  while (!data.empty()) {
+    const auto group = data.first(std::min<std::size_t>(data.size(), 3));
+    encodeGroup(group, characters);
+    data = data.subspan(group.size());
     characters += 4;
   }
-  if (!data.empty()) encodeRest(data, characters);
   return text;
 }
 
