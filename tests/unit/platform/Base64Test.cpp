@@ -156,5 +156,15 @@ TEST(Base64, CodesLargeDataInLinesAndWithout) {
   EXPECT_EQ(base64Decode(text), data);
 }
 
+TEST(Base64, TakesTimeInProportionToHugeInputs) {
+  constexpr std::size_t length = 3U << 18U;
+  const Data data(length, std::byte{0xA5});
+  const std::string text = base64Encode(data);
+  EXPECT_EQ(text.size(), length / 3 * 4);
+  EXPECT_EQ(base64Decode(text), data);
+  EXPECT_EQ(base64Decode(std::string(length, '\n')), Data());
+  EXPECT_EQ(base64Decode(std::string(length, '?')), Data(length / 4 * 3));
+}
+
 }  // namespace
 }  // namespace vornix::text

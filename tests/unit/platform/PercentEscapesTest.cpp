@@ -215,5 +215,17 @@ TEST(PercentEscapes, GivesATextOfManyPiecesBackAfterEscaping) {
   EXPECT_EQ(replacingPercentEscapes(*escaped), text);
 }
 
+TEST(PercentEscapes, TakesTimeInProportionToHugeTexts) {
+  constexpr std::size_t length = 1U << 20U;
+  const std::string plain(length, 'a');
+  EXPECT_EQ(addingPercentEscapes(plain), plain);
+  EXPECT_EQ(replacingPercentEscapes(plain), plain);
+  const auto escaped = addingPercentEscapes(std::string(length, ' '));
+  ASSERT_TRUE(escaped);
+  EXPECT_EQ(escaped->size(), length * 3);
+  EXPECT_EQ(replacingPercentEscapes(*escaped), std::string(length, ' '));
+  EXPECT_EQ(replacingPercentEscapes(*escaped + "%"), std::nullopt);
+}
+
 }  // namespace
 }  // namespace vornix::text
