@@ -26,7 +26,8 @@ int main(int argc, char** argv) {
   const std::string_view word = argc > 1 ? argv[1] : "";
   printHead();
   const int missed = missedOf(digestComparisons(), word) + missedOf(base64Comparisons(), word) +
-                     missedOf(escapeComparisons(), word) + missedOf(lockComparisons(), word);
+                     missedOf(escapeComparisons(), word) + missedOf(lockComparisons(), word) +
+                     missedOf(allocationCounts(), word);
   if (missed > 0) std::fprintf(stderr, "error: bars missed: %d\n", missed);
   return missed == 0 ? 0 : 1;
 }
