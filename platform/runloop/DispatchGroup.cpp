@@ -18,18 +18,23 @@ system_clock::time_point timePoint(Date date) {
 }  // namespace
 
 void DispatchGroup::enter() {
-  const std::lock_guard lock(mutex_);
-  ++entered_;
+  const std::lock_guard lock(state_->mutex);
+  ++state_->entered;
 }
 
 void DispatchGroup::leave() {
-  const std::lock_guard lock(mutex_);
-  if (entered_ > 0 && --entered_ == 0) changed_.notify_all();
+  const auto state = state_;
+  {
+    const std::lock_guard lock(state->mutex);
+    if (state->entered == 0 || --state->entered > 0) return;
+  }
+  // Without the mutex, so that nobody wakes up only to wait for it.
+  state->changed.notify_all();
 }
 
 void DispatchGroup::wait() {
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return entered_ == 0; });
+  std::unique_lock lock(state_->mutex);
+  state_->changed.wait(lock, [this] { return state_->entered == 0; });
 }
 
 bool DispatchGroup::waitUntil(Date deadline) {
@@ -37,8 +42,8 @@ bool DispatchGroup::waitUntil(Date deadline) {
 }
 
 bool DispatchGroup::waitUntil(system_clock::time_point deadline) {
-  std::unique_lock lock(mutex_);
-  return changed_.wait_until(lock, deadline, [this] { return entered_ == 0; });
+  std::unique_lock lock(state_->mutex);
+  return state_->changed.wait_until(lock, deadline, [this] { return state_->entered == 0; });
 }
 
 }  // namespace vornix

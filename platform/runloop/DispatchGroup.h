@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -21,9 +22,14 @@ class DispatchGroup {
   bool waitUntil(std::chrono::system_clock::time_point deadline);
 
  private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  int entered_ = 0;
+  struct State {
+    std::mutex mutex;
+    std::condition_variable changed;
+    int entered = 0;
+  };
+
+  // Whoever leaves last holds it as well: a freed waiter may end the group at once.
+  const std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
 }  // namespace vornix
