@@ -56,16 +56,19 @@ bool continuesSequence(char32_t previous, char32_t next) {
 
 // Marks in the order of their classes; those of one class, and what has none, stay where they are.
 void orderMarks(std::u32string& characters) {
+  // While it is sorted, a character carries its class above its own bits.
+  constexpr unsigned classShift = 24;
+  constexpr char32_t withoutClass = 0xFFFFFF;
+  const auto classOf = [](char32_t c) { return c >> classShift; };
+  for (char32_t& c : characters) c |= char32_t{combiningClass(c)} << classShift;
   auto run = characters.begin();
   while (run != characters.end()) {
-    const auto isMovable = [](char32_t c) { return combiningClass(c) != 0; };
-    run = std::find_if(run, characters.end(), isMovable);
-    const auto end = std::find_if_not(run, characters.end(), isMovable);
-    std::stable_sort(run, end, [](char32_t left, char32_t right) {
-      return combiningClass(left) < combiningClass(right);
-    });
+    run = std::ranges::find_if(run, characters.end(), classOf);
+    const auto end = std::ranges::find(run, characters.end(), char32_t{0}, classOf);
+    std::ranges::stable_sort(run, end, {}, classOf);
     run = end;
   }
+  for (char32_t& c : characters) c &= withoutClass;
 }
 
 }  // namespace

@@ -13,15 +13,21 @@ thread_local std::size_t allocations = 0;
 }  // namespace
 
 // Counts what this thread allocates.
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
   ++allocations;
-  if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
+  return std::malloc(size != 0 ? size : 1);
+}
+void* operator new(std::size_t size) {
+  if (void* memory = operator new(size, std::nothrow)) return memory;
   throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept {
   std::free(memory);
 }
 
