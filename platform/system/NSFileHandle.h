@@ -27,6 +27,12 @@ class NSFileHandle : public NSObject {
   // blocks on a FIFO without a reader.
   [[nodiscard]] static std::shared_ptr<NSFileHandle> openForAppending(std::string_view path,
                                                                       std::uint32_t mode);
+  // Reading and writing, at its end, created with `mode` less the process's mask when missing. Each
+  // write is appended in one piece, whatever other processes append; one that a full disk cuts
+  // short throws, and what it left behind is ended by a newline before the next. Null on failure
+  // and for anything but a regular file; never waits, and opens no device.
+  [[nodiscard]] static std::shared_ptr<NSFileHandle> openForUpdatingAtEnd(std::string_view path,
+                                                                          std::uint32_t mode);
 
   // All of the bytes, short writes repeated, with no other thread's bytes between them. Throws
   // `NSFileHandleOperationException` on failure; a reader that has gone away is one, not a signal.

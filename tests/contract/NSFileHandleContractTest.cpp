@@ -19,6 +19,7 @@ class FileBackend {
   virtual ~FileBackend() = default;
   [[nodiscard]] virtual std::string folder() const = 0;
   virtual std::shared_ptr<NSFileHandle> open(std::string_view path) = 0;
+  virtual std::shared_ptr<NSFileHandle> openForUpdating(std::string_view path) = 0;
   virtual std::string contents(const std::string& path) = 0;
 };
 
@@ -27,6 +28,9 @@ class FakeBackend final : public FileBackend {
   FakeBackend() { files_.addFolder(folder()); }
   [[nodiscard]] std::string folder() const override { return "/fake"; }
   std::shared_ptr<NSFileHandle> open(std::string_view path) override {
+    return files_.openForAppending(path, 0644);
+  }
+  std::shared_ptr<NSFileHandle> openForUpdating(std::string_view path) override {
     return files_.openForAppending(path, 0644);
   }
   std::string contents(const std::string& path) override {
@@ -42,6 +46,9 @@ class LinuxBackend final : public FileBackend {
   [[nodiscard]] std::string folder() const override { return folder_.path(); }
   std::shared_ptr<NSFileHandle> open(std::string_view path) override {
     return NSFileHandle::openForAppending(path, 0644);
+  }
+  std::shared_ptr<NSFileHandle> openForUpdating(std::string_view path) override {
+    return NSFileHandle::openForUpdatingAtEnd(path, 0644);
   }
   std::string contents(const std::string& path) override {
     std::ifstream file(path, std::ios::binary);
@@ -88,6 +95,21 @@ TYPED_TEST(NSFileHandleContract, AppendsThroughTwoHandlesOfOneFile) {
   second->writeData("b");
   first->writeData("c");
   EXPECT_EQ(this->backend_.contents(path), "abc");
+}
+
+TYPED_TEST(NSFileHandleContract, OpenedForUpdatingAppendsToWhatOthersAppend) {
+  const auto path = this->file("updated");
+  const auto first = this->backend_.openForUpdating(path);
+  this->backend_.open(path)->writeData("b");
+  const auto second = this->backend_.openForUpdating(path);
+  first->writeData("c");
+  second->writeData("d");
+  first->writeData("");
+  EXPECT_EQ(this->backend_.contents(path), "bcd");
+  EXPECT_EQ(this->backend_.openForUpdating(this->file("missing/log")), nullptr);
+  EXPECT_EQ(this->backend_.openForUpdating(this->backend_.folder()), nullptr);
+  EXPECT_EQ(this->backend_.openForUpdating(""), nullptr);
+  EXPECT_EQ(this->backend_.openForUpdating(this->file(std::string("cut\0off", 7))), nullptr);
 }
 
 TYPED_TEST(NSFileHandleContract, CannotBeOpenedWhereThereIsNoFolderOrNoFile) {

@@ -22,4 +22,9 @@ std::shared_ptr<NSFileHandle> NSFileHandle::openForAppending(std::string_view pa
   return fakes::processFiles().openForAppending(path, mode);
 }
 
+std::shared_ptr<NSFileHandle> NSFileHandle::openForUpdatingAtEnd(std::string_view path,
+                                                                 std::uint32_t mode) {
+  return fakes::processFiles().openForAppending(path, mode);
+}
+
 }  // namespace vornix
