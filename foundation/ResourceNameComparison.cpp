@@ -10,6 +10,7 @@
 #include "foundation/NumberedCopyExpressions.h"
 #include "foundation/NumberedCopySearch.h"
 #include "platform/base/Text.h"
+#include "platform/base/Utf16.h"
 #include "platform/base/Utf8.h"
 #include "platform/text/ByteSearch.h"
 #include "platform/text/CaseMapping.h"
@@ -69,9 +70,51 @@ bool holdsEveryAsciiWord(std::string_view other, std::string_view name,
   return true;
 }
 
+using WordSet = std::unordered_set<std::string_view>;
+
+WordSet wordSet(std::string_view text, std::string_view separator) {
+  WordSet set;
+  for (Words words(text, separator); const auto word = words.next();) set.insert(*word);
+  return set;
+}
+
+bool areAllIn(const WordSet& set, Words words) {
+  while (const auto word = words.next()) {
+    if (!set.contains(*word)) return false;
+  }
+  return true;
+}
+
+// Whether every word of the set is among the others.
+bool missesNone(WordSet set, Words words) {
+  while (const auto word = words.next()) {
+    set.erase(*word);
+    if (set.empty()) return true;
+  }
+  return false;
+}
+
 bool isPlain(std::string_view name) {
   return name.find_first_of(R"(\^$.|?*+()[]{})") == std::string_view::npos &&
          !text::hasIllFormedByte(name);
+}
+
+bool hasMoreCharactersThan(std::string_view text, std::size_t limit) {
+  constexpr std::size_t longestCharacter = 4;
+  if (text.size() <= limit) return false;
+  if (text.size() / longestCharacter > limit) return true;
+  for (; !text.empty(); --limit) {
+    if (limit == 0) return true;
+    text.remove_prefix(text::decodeCharacter(text).length);
+  }
+  return false;
+}
+
+// Without regard to case, a character counts at least as one and at most as three.
+bool fitsInto(std::string_view name, std::string_view other) {
+  constexpr std::size_t mostFolded = 3;
+  if (text::isAscii(name) && text::isAscii(other)) return name.size() < other.size();
+  return !hasMoreCharactersThan(name, text::utf16Length(other) * mostFolded);
 }
 
 bool holdsNumberedAsciiCopy(std::string_view other, std::string_view name) {
@@ -91,13 +134,10 @@ bool holdsNumberedAsciiCopy(std::string_view other, std::string_view name) {
 bool holdsEveryWordGenerally(std::string_view other, std::string_view name,
                              std::string_view separator) {
   const std::string lowerOther = text::lowercase(other);
-  std::unordered_set<std::string_view> known;
-  for (Words words(lowerOther, separator); const auto word = words.next();) known.insert(*word);
   const std::string lowerName = text::lowercase(name);
-  for (Words words(lowerName, separator); const auto word = words.next();) {
-    if (!known.contains(*word)) return false;
-  }
-  return true;
+  return lowerName.size() < lowerOther.size()
+             ? missesNone(wordSet(lowerName, separator), Words(lowerOther, separator))
+             : areAllIn(wordSet(lowerOther, separator), Words(lowerName, separator));
 }
 
 bool holdsEveryWord(std::string_view other, std::string_view name, std::string_view separator) {
@@ -109,7 +149,7 @@ bool holdsEveryWord(std::string_view other, std::string_view name, std::string_v
 }
 
 bool holdsNumberedCopyGenerally(std::string_view other, std::string_view name) {
-  if (isPlain(name)) return NumberedCopySearch(name).isIn(other);
+  if (isPlain(name)) return fitsInto(name, other) && NumberedCopySearch(name).isIn(other);
   const auto expression = numberedCopyExpression(name);
   return expression != nullptr && isMatchedByRegex(other, *expression);
 }

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "platform/text/CompactLengths.h"
+
 namespace vornix::text {
 
 // Finds a pattern in a stream of symbols that is read once: after every symbol it tells how much of
@@ -11,7 +13,11 @@ template <typename Symbol>
 class PatternAutomaton {
  public:
   void append(Symbol symbol) {
-    if (!pattern_.empty()) fallbacks_.push_back(advanced(fallbacks_.back(), symbol));
+    if (pattern_.empty()) {
+      fallbacks_.append(0);
+    } else {
+      fallbacks_.append(advanced(fallbacks_[fallbacks_.size() - 1], symbol));
+    }
     pattern_.push_back(symbol);
   }
 
@@ -31,7 +37,7 @@ class PatternAutomaton {
  private:
   std::vector<Symbol> pattern_{};
   // What a mismatch leaves of each start of the pattern.
-  std::vector<std::size_t> fallbacks_{0};
+  CompactLengths<> fallbacks_{};
 };
 
 }  // namespace vornix::text

@@ -2,8 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/base/Utf16.h"
+
 namespace vornix::text {
 namespace {
+
+// Into so many characters one of a text may come apart.
+constexpr std::size_t kMostParts = 4;
 
 bool isOneAsciiCharacter(std::u32string_view characters) {
   return characters.size() == 1 && characters.front() < 0x80;
@@ -12,16 +17,16 @@ bool isOneAsciiCharacter(std::u32string_view characters) {
 }  // namespace
 
 SequenceMatches::SequenceMatches(std::string_view text, std::string_view pattern)
-    : sequences_(text, 0, readPattern(pattern)) {
-  begins_.resize(pattern_.size());
+    : sequences_(text, 0, readPattern(pattern, utf16Length(text))) {
+  for (std::size_t count = 0; count < pattern_.size(); ++count) begins_.append(0);
 }
 
-std::size_t SequenceMatches::readPattern(std::string_view pattern) {
+std::size_t SequenceMatches::readPattern(std::string_view pattern, std::size_t most) {
   asciiNumbers_.fill(kNoNumber);
   std::size_t longest = 0;
-  ComposedSequences sequences(pattern, 0, std::numeric_limits<std::size_t>::max());
+  ComposedSequences sequences(pattern, 0, most * kMostParts);
   while (sequences.next()) {
-    if (sequences.characters().empty()) {
+    if (sequences.characters().empty() || pattern_.size() == most) {
       pattern_ = {};
       return 0;
     }
@@ -48,7 +53,7 @@ std::optional<ByteRange> SequenceMatches::next() {
   if (pattern_.empty()) return std::nullopt;
   std::size_t matched = 0;
   while (sequences_.next()) {
-    begins_[seen_++ % begins_.size()] = sequences_.begin();
+    begins_.replace(seen_++ % begins_.size(), sequences_.begin());
     matched = pattern_.advanced(matched, numberOf(sequences_.characters()));
     if (matched == pattern_.size()) {
       const std::size_t begin = begins_[seen_ % begins_.size()];

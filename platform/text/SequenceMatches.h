@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "platform/text/CanonicalSearch.h"
+#include "platform/text/CompactLengths.h"
 #include "platform/text/ComposedSequences.h"
 #include "platform/text/PatternAutomaton.h"
 
@@ -38,8 +38,9 @@ class SequenceMatches {
   };
   using Numbers = std::unordered_map<std::u32string, Number, Hash, std::equal_to<>>;
 
-  // Answers how many characters the pattern's longest sequence has.
-  std::size_t readPattern(std::string_view pattern);
+  // Answers how many characters the pattern's longest sequence has. A pattern that needs more
+  // characters than `most` is not read further.
+  std::size_t readPattern(std::string_view pattern, std::size_t most);
   Number numberFor(std::u32string_view characters);
   [[nodiscard]] Number numberOf(std::u32string_view characters) const;
 
@@ -50,7 +51,7 @@ class SequenceMatches {
   PatternAutomaton<Number> pattern_{};
   ComposedSequences sequences_;
   // Where the latest sequences of the text began, as many as the pattern has.
-  std::vector<std::size_t> begins_{};
+  CompactLengths<> begins_{};
   std::size_t seen_ = 0;
 };
 

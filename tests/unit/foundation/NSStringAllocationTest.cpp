@@ -5,16 +5,21 @@
 #include <string>
 
 #include "foundation/NSString+NSStringAdditions.h"
+#include "foundation/ResourceNameComparison.h"
+#include "platform/text/CanonicalSearch.h"
+#include "tests/support/Repeated.h"
 
 namespace {
 
 thread_local std::size_t allocations = 0;
+thread_local std::size_t allocatedBytes = 0;
 
 }  // namespace
 
 // Counts what this thread allocates.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
   ++allocations;
+  allocatedBytes += size;
   return std::malloc(size != 0 ? size : 1);
 }
 void* operator new(std::size_t size) {
@@ -39,6 +44,13 @@ std::size_t allocationsDuring(Work work) {
   const std::size_t before = allocations;
   work();
   return allocations - before;
+}
+
+template <typename Work>
+std::size_t bytesDuring(Work work) {
+  const std::size_t before = allocatedBytes;
+  work();
+  return allocatedBytes - before;
 }
 
 std::string longestUsualPath() {
@@ -78,6 +90,47 @@ TEST(NSStringAllocation, IsNotNeededToCompareNamesInAscii) {
               EXPECT_EQ(compareApplicationResourceNameByWords("a-b", "B-A", "-"), 0);
             }),
             0U);
+}
+
+constexpr std::size_t kLittle = 1U << 16U;
+
+// What is known of a character is loaded with the first one.
+void loadCharacters() {
+  EXPECT_TRUE(isSubpathOf("/\u00E9/a", "/e\u0301"));
+  EXPECT_TRUE(holdsNumberedCopyGenerally("\u00C9 1", "\u00E9"));
+}
+
+TEST(NSStringAllocation, IsNotWastedOnANameThatCannotFit) {
+  loadCharacters();
+  for (const std::string_view piece : {"x", "\u00E9", "\u00DF", "\U00010428"}) {
+    const std::string name = tests::repeated(piece, 500'000);
+    for (const std::string_view other : {"x 1", "\u00E9 1", "\u0390\u0390 1", ""}) {
+      EXPECT_LT(bytesDuring([&] { EXPECT_FALSE(holdsNumberedCopyGenerally(other, name)); }),
+                kLittle)
+          << piece << " in " << other;
+    }
+  }
+}
+
+TEST(NSStringAllocation, IsNotWastedOnAPatternThatCannotFit) {
+  loadCharacters();
+  const std::string text = "\u00E9\u1F82 a b";
+  for (const std::string_view piece : {"x", "\u00E9", "\uD55C", "e\u0301", "\u0301", "\u1F82"}) {
+    const std::string pattern = "e" + tests::repeated(piece, 500'000);
+    EXPECT_LT(bytesDuring([&] { EXPECT_FALSE(text::containsCanonically(text, pattern)); }), kLittle)
+        << piece;
+  }
+}
+
+// Four bytes for each of the pattern's symbols and as many for what a mismatch leaves of it; a list
+// that grows takes up to three times its size on the way.
+TEST(NSStringAllocation, IsSmallForALongName) {
+  loadCharacters();
+  constexpr std::size_t length = 500'000;
+  const std::string name = tests::repeated("\u00E9", length);
+  const std::string other = name + " 1";
+  EXPECT_LT(bytesDuring([&] { EXPECT_TRUE(holdsNumberedCopyGenerally(other, name)); }),
+            length * (4 + 4 + 1) * 3);
 }
 
 }  // namespace
