@@ -6,6 +6,7 @@
 #include "platform/base/NSDictionary.h"
 #include "platform/base/NSNull.h"
 #include "platform/bindings/BindingInfo.h"
+#include "platform/runloop/GuardedCall.h"
 
 namespace vornix {
 namespace {
@@ -30,24 +31,29 @@ std::shared_ptr<NSObject> reversed(std::shared_ptr<NSObject> value, const NSDict
   return value;
 }
 
+void write(std::shared_ptr<NSObject> value, const NSDictionary& info, std::string_view forBinding) {
+  value = reversed(std::move(value), info, forBinding);
+  const auto observed = objectUnlessNull(info.objectForKey(NSObservedObjectKey));
+  if (!observed) {
+    logOf("ERROR: NSObservedObjectKey was nil for binding \"%@\" in %s", forBinding);
+    return;
+  }
+  const auto keyPath = objectUnlessNull(info.objectForKey(NSObservedKeyPathKey));
+  if (!keyPath) {
+    logOf("ERROR: NSObservedKeyPathKey was nil for binding \"%@\" in %s", forBinding);
+    return;
+  }
+  observed->setValueForKeyPath(value, keyPath->description());
+}
+
 }  // namespace
 
 void propagateValue(const std::shared_ptr<NSObject>& self, std::shared_ptr<NSObject> value,
                     std::string_view forBinding) {
   const auto info = self ? self->infoForBinding(forBinding) : nullptr;
   if (!info) return;
-  value = reversed(std::move(value), *info, forBinding);
-  const auto observed = objectUnlessNull(info->objectForKey(NSObservedObjectKey));
-  if (!observed) {
-    logOf("ERROR: NSObservedObjectKey was nil for binding \"%@\" in %s", forBinding);
-    return;
-  }
-  const auto keyPath = objectUnlessNull(info->objectForKey(NSObservedKeyPathKey));
-  if (!keyPath) {
-    logOf("ERROR: NSObservedKeyPathKey was nil for binding \"%@\" in %s", forBinding);
-    return;
-  }
-  observed->setValueForKeyPath(value, keyPath->description());
+  callReportingExceptions([&] { write(std::move(value), *info, forBinding); },
+                          "the other end of a binding");
 }
 
 void safeUnbind(const std::shared_ptr<NSObject>& self, std::string_view binding) {

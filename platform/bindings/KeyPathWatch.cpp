@@ -6,8 +6,19 @@
 #include <utility>
 
 #include "platform/bindings/KeyPath.h"
+#include "platform/runloop/GuardedCall.h"
 
 namespace vornix {
+namespace {
+
+// A value that cannot be read counts as missing.
+std::shared_ptr<NSObject> valueOf(NSObject& object, std::string_view key) {
+  std::shared_ptr<NSObject> value;
+  callReportingExceptions([&] { value = object.valueForKey(key); }, "a bound getter");
+  return value;
+}
+
+}  // namespace
 
 // Observes one key of the path on the object that stands there at present.
 class KeyPathWatch::Link final : public NSObject {
@@ -53,13 +64,13 @@ std::shared_ptr<NSObject> KeyPathWatch::connect(std::size_t first,
                                                 std::shared_ptr<NSObject> object) {
   for (std::size_t position = first; position < links_.size(); ++position) {
     links_[position]->moveTo(object, weak_from_this());
-    if (object) object = object->valueForKey(links_[position]->key());
+    if (object) object = valueOf(*object, links_[position]->key());
   }
   return object;
 }
 
 void KeyPathWatch::changed(std::size_t position, NSObject& object) {
-  handler_(connect(position + 1, object.valueForKey(links_[position]->key())));
+  handler_(connect(position + 1, valueOf(object, links_[position]->key())));
 }
 
 }  // namespace vornix

@@ -71,9 +71,9 @@ void KeyValueBinding::receive(std::shared_ptr<NSObject> value) {
 void KeyValueBinding::apply(const std::shared_ptr<NSObject>& value) {
   const auto owner = owner_.lock();
   if (!owner) return;
-  const auto transformer = options_ ? valueTransformerOfOptions(*options_) : nullptr;
   callReportingExceptions(
       [&] {
+        const auto transformer = options_ ? valueTransformerOfOptions(*options_) : nullptr;
         owner->setValueForKey(transformer ? transformer->transformedValue(value) : value, key_);
       },
       "a bound setter");

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+#include <string_view>
 #include <vector>
 
 #include "platform/base/NSDictionary.h"
@@ -203,28 +205,38 @@ TEST_F(PropagateValue, AValueThatGoesThereAndBackIsTheSame) {
   }
 }
 
-class SafeUnbind : public PropagateValue {};
+class OneWayTransformer final : public NSValueTransformer {
+ public:
+  Object transformedValue(const Object& value) override { return value; }
+  Object reverseTransformedValue(const Object& /*value*/) override {
+    throw std::runtime_error("no way back");
+  }
+};
 
-TEST_F(SafeUnbind, EndsABindingThatExists) {
-  field_->bind("value", model_, "count");
-  safeUnbind(field_, "value");
-  model_->setValueForKey(number(2), "count");
-  EXPECT_EQ(described(field_->valueForKey("value")), "1");
-  EXPECT_EQ(field_->infoForBinding("value"), nullptr);
-}
+// Refuses every value.
+class Sealed final : public NSObject {
+ public:
+  Object valueForKey(std::string_view /*key*/) override { throw std::runtime_error("sealed"); }
+  void setValueForKey(const Object& /*value*/, std::string_view /*key*/) override {
+    throw std::invalid_argument("refused");
+  }
+};
 
-TEST_F(SafeUnbind, DoesNothingWhereThereIsNoSuchBinding) {
+TEST_F(PropagateValue, ReportsWhateverTheOtherEndThrowsAndWritesNothing) {
   const tests::ScopedDiagnostics diagnostics;
-  field_->bind("value", model_, "count");
-  safeUnbind(field_, "Value");
-  safeUnbind(field_, "");
-  safeUnbind(model_, "value");
-  safeUnbind(nullptr, "value");
-  EXPECT_NE(field_->infoForBinding("value"), nullptr);
-  safeUnbind(field_, "value");
-  safeUnbind(field_, "value");
-  EXPECT_THAT(logger_.messages(), IsEmpty());
-  EXPECT_THAT(diagnostics.lines(), IsEmpty());
+  const auto sealed = std::make_shared<Sealed>();
+  const auto propagate = [](std::shared_ptr<NSDictionary> bindingInfo) {
+    EXPECT_NO_THROW(
+        propagateValue(std::make_shared<Scripted>(std::move(bindingInfo)), number(2), "value"));
+  };
+  propagate(info(model_, text("count"), options(std::make_shared<OneWayTransformer>())));
+  propagate(info(sealed, text("count")));
+  propagate(info(sealed, text("room.count")));
+  EXPECT_EQ(model_->changes(), 0);
+  EXPECT_THAT(diagnostics.lines(),
+              ElementsAre("An exception left the other end of a binding: no way back",
+                          "An exception left the other end of a binding: refused",
+                          "An exception left the other end of a binding: sealed"));
 }
 
 }  // namespace

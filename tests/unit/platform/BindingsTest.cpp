@@ -1,55 +1,22 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <stdexcept>
-
 #include "platform/base/NSNull.h"
-#include "platform/bindings/BindingInfo.h"
-#include "tests/support/Record.h"
-#include "tests/support/ScopedDiagnostics.h"
 #include "tests/support/Transformers.h"
+#include "tests/unit/platform/BindingsFixture.h"
 
 namespace vornix {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
+using tests::Bindings;
+using tests::Control;
 using tests::described;
 using tests::number;
+using tests::option;
 using tests::Record;
 using tests::text;
-
-std::shared_ptr<NSDictionary> option(std::string_view key, std::shared_ptr<NSObject> value) {
-  return std::make_shared<NSDictionary>(
-      std::initializer_list<NSDictionary::Entry>{{std::string(key), std::move(value)}});
-}
-
-// Does something when its value is set.
-class Control final : public NSObject {
- public:
-  void setValueForKey(const std::shared_ptr<NSObject>& value, std::string_view key) override {
-    values.push_back(std::string(key) + "=" + described(value));
-    if (onSet) onSet();
-  }
-
-  std::vector<std::string> values;
-  std::function<void()> onSet;
-};
-
-class Bindings : public testing::Test {
- protected:
-  void set(std::string_view keyPath, const Value& value) {
-    model_->setValueForKeyPath(number(value), keyPath);
-  }
-
-  tests::ScopedDiagnostics diagnostics_;
-  std::shared_ptr<Record> room_ = Record::create({{"warmth", number(20)}, {"neighbour", nullptr}});
-  std::shared_ptr<Record> model_ =
-      Record::create({{"count", number(1)}, {"room", room_}, {"other", nullptr}});
-  std::shared_ptr<Control> control_ = std::make_shared<Control>();
-};
 
 TEST_F(Bindings, SetTheBoundKeyAtOnceAndAtEveryChange) {
   control_->bind("value", model_, "count");
@@ -195,89 +162,6 @@ TEST_F(Bindings, ToTheObjectItselfDoNotKeepItAlive) {
   EXPECT_EQ(described(self->valueForKey("to")), "2");
   EXPECT_EQ(self->infoForBinding("to")->objectForKey(NSObservedObjectKey), self);
   EXPECT_EQ(self.use_count(), 1);
-}
-
-TEST_F(Bindings, OfTwoObjectsToEachOtherComeToRest) {
-  const auto left = Record::create({{"value", number(1)}});
-  const auto right = Record::create({{"value", number(2)}});
-  left->bind("value", right, "value");
-  right->bind("value", left, "value");
-  for (const auto& [changed, other] : {std::pair(left, right), std::pair(right, left)}) {
-    changed->setValueForKey(number(changed->changes() + 10), "value");
-    EXPECT_EQ(described(left->valueForKey("value")), described(right->valueForKey("value")));
-  }
-  EXPECT_THAT(diagnostics_.lines(), IsEmpty());
-  left->unbind("value");
-}
-
-class Increment final : public NSValueTransformer {
- public:
-  std::shared_ptr<NSObject> transformedValue(const std::shared_ptr<NSObject>& value) override {
-    return number(dynamic_cast<NSNumber&>(*value).integerValue() + 1);
-  }
-};
-
-TEST_F(Bindings, ThatChangeEachOtherWithoutEndAreStoppedAndReported) {
-  const auto left = Record::create({{"value", number(1)}});
-  const auto right = Record::create({{"value", number(1)}});
-  left->bind("value", right, "value",
-             option(NSValueTransformerBindingOption, std::make_shared<Increment>()));
-  right->bind("value", left, "value");
-  right->setValueForKey(number(5), "value");
-  EXPECT_THAT(diagnostics_.lines(), testing::Contains(HasSubstr("without end")));
-  left->unbind("value");
-}
-
-TEST_F(Bindings, ApplyAChangeThatTheirSetterMadeAfterwards) {
-  control_->onSet = [&] {
-    if (control_->values.size() == 2) set("count", 10);
-  };
-  control_->bind("value", model_, "count");
-  set("count", 11);
-  EXPECT_THAT(control_->values, ElementsAre("value=1", "value=11", "value=10"));
-}
-
-TEST_F(Bindings, MayBeEndedByTheirOwnSetter) {
-  control_->onSet = [&] {
-    control_->unbind("value");
-    set("count", 3);
-  };
-  control_->bind("value", model_, "count");
-  set("count", 4);
-  EXPECT_THAT(control_->values, ElementsAre("value=1"));
-  EXPECT_EQ(control_->infoForBinding("value"), nullptr);
-}
-
-TEST_F(Bindings, MayBeReplacedByTheirOwnSetter) {
-  control_->onSet = [&] {
-    control_->onSet = nullptr;
-    control_->bind("value", room_, "warmth");
-  };
-  control_->bind("value", model_, "count");
-  set("count", 4);
-  room_->setValueForKey(number(21), "warmth");
-  EXPECT_THAT(control_->values, ElementsAre("value=1", "value=20", "value=21"));
-}
-
-TEST_F(Bindings, OutliveASetterThatLetsGoOfTheBoundObject) {
-  Control& control = *control_;
-  const std::weak_ptr<Control> watched = control_;
-  control.bind("value", model_, "count");
-  control.onSet = [&] { control_.reset(); };
-  set("count", 2);
-  EXPECT_TRUE(watched.expired());
-  set("count", 3);
-}
-
-TEST_F(Bindings, ReportAnExceptionOfTheSetterAndGoOn) {
-  control_->onSet = [&] {
-    if (control_->values.size() == 2) throw std::invalid_argument("too warm");
-  };
-  control_->bind("value", model_, "count");
-  set("count", 2);
-  set("count", 3);
-  EXPECT_THAT(control_->values, ElementsAre("value=1", "value=2", "value=3"));
-  EXPECT_THAT(diagnostics_.lines(), ElementsAre("An exception left a bound setter: too warm"));
 }
 
 TEST_F(Bindings, WithoutAnObjectAtEitherEndAreReportedAndNotMade) {
