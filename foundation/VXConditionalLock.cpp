@@ -35,10 +35,11 @@ bool VXConditionalLock::shouldLockForValue(const std::shared_ptr<NSObject>& /*va
 }
 
 void VXConditionalLock::setValue(std::shared_ptr<NSObject> value) {
+  // Released after the monitor: the end of a value may wait for a thread that asks this lock.
+  const auto current = value;
+  std::shared_ptr<NSObject> old;
   const std::lock_guard lock(monitor_);
-  // Released last: what the old value holds may come back here.
-  const auto old = std::exchange(value_, std::move(value));
-  const auto current = value_;
+  old = std::exchange(value_, std::move(value));
   setLocked(shouldLockForValue(current));
 }
 
@@ -52,7 +53,9 @@ void VXConditionalLock::setLocked(bool locked) {
   if (isLocked_ == locked) return;
   isLocked_ = locked;
   if (locked) return;
-  for (const auto& group : groupsToLeaveOnUnlock_) group->leave();
+  for (const auto& group : groupsToLeaveOnUnlock_) {
+    if (group) group->leave();
+  }
   groupsToLeaveOnUnlock_.clear();
 }
 

@@ -2,34 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
-#include <functional>
 #include <future>
 #include <limits>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "foundation/VXBoolConditionalLock.h"
 #include "platform/base/NSDictionary.h"
 #include "platform/base/NSNull.h"
 #include "tests/support/Record.h"
+#include "tests/unit/foundation/LockWaiters.h"
 
 namespace vornix {
 namespace {
 
-using std::chrono::milliseconds;
-using std::chrono::system_clock;
-
-// Returns when that many threads wait on the lock.
-void awaitWaiters(const VXConditionalLock& lock, std::size_t count) {
-  while (lock.groupsToLeaveOnUnlock().size() < count) std::this_thread::yield();
-}
-
-std::future<void> waiting(const std::shared_ptr<VXConditionalLock>& lock, double timeout) {
-  return std::async(std::launch::async, [=] { lock->waitForUnlockWithTimeout(timeout); });
-}
+using tests::awaitWaiters;
+using tests::waiting;
 
 std::shared_ptr<NSObject> number(int value) {
   return std::make_shared<NSNumber>(Value(value));
@@ -43,58 +34,6 @@ TEST(VXBoolConditionalLock, ANewLockIsUnlockedAndWaitingReturnsAtOnce) {
   lock->waitForUnlock();
   lock->waitForUnlockWithTimeout(0);
   EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
-}
-
-TEST(VXBoolConditionalLock, AWaiterGivesUpAfterItsTimeoutAndALaterUnlockFreesTheOthers) {
-  const auto lock = VXBoolConditionalLock::create();
-  lock->setBoolValue(true);
-  const auto start = system_clock::now();
-  auto limited = waiting(lock, 0.5);
-  auto unlimited = waiting(lock, -1);
-  awaitWaiters(*lock, 2);
-  limited.get();
-  EXPECT_GE(system_clock::now() - start, milliseconds(500));
-  EXPECT_TRUE(lock->isLocked());
-  EXPECT_EQ(lock->groupsToLeaveOnUnlock().size(), 2U);
-  lock->setBoolValue(false);
-  unlimited.get();
-  EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
-}
-
-TEST(VXBoolConditionalLock, OneUnlockFreesAllWaitersHoweverOftenItWasLocked) {
-  const auto lock = VXBoolConditionalLock::create();
-  lock->setBoolValue(true);
-  auto first = waiting(lock, -1);
-  awaitWaiters(*lock, 1);
-  lock->setBoolValue(true);
-  auto second = waiting(lock, -1);
-  awaitWaiters(*lock, 2);
-  lock->setBoolValue(false);
-  first.get();
-  second.get();
-  EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
-}
-
-TEST(VXBoolConditionalLock, ATimeoutOfZeroBlocksUntilTheUnlock) {
-  const auto lock = VXBoolConditionalLock::create();
-  lock->setBoolValue(true);
-  auto waiter = waiting(lock, 0);
-  awaitWaiters(*lock, 1);
-  EXPECT_EQ(waiter.wait_for(milliseconds(50)), std::future_status::timeout);
-  lock->setBoolValue(false);
-  waiter.get();
-}
-
-TEST(VXBoolConditionalLock, ATimeoutThatIsNoNumberOrBeyondTheClockWaitsForTheUnlock) {
-  for (const double timeout : {std::numeric_limits<double>::quiet_NaN(), 1e300}) {
-    const auto lock = VXBoolConditionalLock::create();
-    lock->setBoolValue(true);
-    auto waiter = waiting(lock, timeout);
-    awaitWaiters(*lock, 1);
-    EXPECT_EQ(waiter.wait_for(milliseconds(20)), std::future_status::timeout);
-    lock->setBoolValue(false);
-    waiter.get();
-  }
 }
 
 TEST(VXBoolConditionalLock, AValueThatIsNoNumberIsFalse) {
@@ -117,83 +56,6 @@ TEST(VXBoolConditionalLock, AnyNumberThatIsNotZeroLocks) {
   EXPECT_TRUE(lock->boolValue());
   lock->setValue(number(0));
   EXPECT_FALSE(lock->isLocked());
-}
-
-TEST(VXBoolConditionalLock, LockingAgainRightAfterAnUnlockDoesNotHoldThoseFreed) {
-  const auto lock = VXBoolConditionalLock::create();
-  lock->setBoolValue(true);
-  std::vector<std::future<void>> waiters;
-  for (int count = 0; count < 8; ++count) waiters.push_back(waiting(lock, -1));
-  awaitWaiters(*lock, 8);
-  lock->setBoolValue(false);
-  lock->setBoolValue(true);
-  for (auto& waiter : waiters) waiter.get();
-  EXPECT_TRUE(lock->isLocked());
-}
-
-TEST(VXBoolConditionalLock, SixtyFourThreadsAreAllFreedByEachUnlock) {
-  const auto lock = VXBoolConditionalLock::create();
-  for (int round = 0; round < 5; ++round) {
-    lock->setBoolValue(true);
-    std::vector<std::thread> threads;
-    for (int count = 0; count < 64; ++count) {
-      threads.emplace_back([&, count] {
-        if (count % 8 == 0) lock->waitForUnlockWithTimeout(0.001);
-        lock->waitForUnlock();
-        EXPECT_FALSE(lock->isLocked());
-      });
-    }
-    awaitWaiters(*lock, 64);
-    lock->setBoolValue(false);
-    for (auto& thread : threads) thread.join();
-    EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
-  }
-}
-
-TEST(VXBoolConditionalLock, ManyThreadsMaySetAndWaitAtTheSameTime) {
-  const auto lock = VXBoolConditionalLock::create();
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 64; ++thread) {
-    threads.emplace_back([&, thread] {
-      for (int count = 0; count < 50; ++count) {
-        if (thread % 2 == 0) lock->setBoolValue(count % 2 == 0);
-        lock->waitForUnlockWithTimeout(0.0001);
-        (void)lock->value();
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  lock->setBoolValue(false);
-  EXPECT_FALSE(lock->isLocked());
-  EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
-}
-
-// Half of the threads wait for good, a quarter give up after a moment, and a quarter turn the lock
-// on and off until every one of the others has waited as often as it should.
-TEST(VXBoolConditionalLock, SixtyFourThreadsMayWaitGiveUpAndSetTheValueAtTheSameTime) {
-  constexpr int kThreads = 64;
-  constexpr int kRounds = 100;
-  const auto lock = VXBoolConditionalLock::create();
-  std::atomic<int> waiting = kThreads * 3 / 4;
-  std::vector<std::thread> threads;
-  for (int number = 0; number < kThreads; ++number) {
-    threads.emplace_back([&, number] {
-      if (number % 4 == 0) {
-        for (bool value = true; waiting > 0; value = !value) lock->setBoolValue(value);
-        return;
-      }
-      for (int round = 0; round < kRounds; ++round) {
-        lock->waitForUnlockWithTimeout(number % 4 == 1 ? 0.0001 : -1);
-      }
-      --waiting;
-    });
-  }
-  // A setter may end on true, but not before nobody waits.
-  for (auto& thread : threads) thread.join();
-  lock->setBoolValue(true);
-  lock->setBoolValue(false);
-  EXPECT_FALSE(lock->isLocked());
-  EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
 }
 
 TEST(VXBoolConditionalLock, IsLockedByEveryNumberButNoughtAndByNothingElse) {
@@ -298,6 +160,89 @@ TEST(VXConditionalLock, AValueThatChangesNothingKeepsTheWaiters) {
   EXPECT_EQ(lock->groupsToLeaveOnUnlock().size(), 1U);
   lock->setValue(number(1));
   waiter.get();
+}
+
+// Asks the lock on another thread while it ends.
+class Inquirer final : public NSObject {
+ public:
+  Inquirer(std::shared_ptr<VXConditionalLock> lock, std::thread& thread, bool& wasAnswered)
+      : lock_(std::move(lock)), thread_(thread), wasAnswered_(wasAnswered) {}
+  ~Inquirer() override {
+    auto answer = std::make_shared<std::promise<void>>();
+    auto answered = answer->get_future();
+    thread_ = std::thread([lock = lock_, answer] {
+      (void)lock->value();
+      answer->set_value();
+    });
+    wasAnswered_ = answered.wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+  }
+
+ private:
+  std::shared_ptr<VXConditionalLock> lock_;
+  std::thread& thread_;
+  bool& wasAnswered_;
+};
+
+TEST(VXConditionalLock, LetsGoOfTheOldValueWhileOtherThreadsMayAskForTheNewOne) {
+  const auto lock = VXConditionalLock::create();
+  std::thread thread;
+  bool wasAnswered = false;
+  lock->setValue(std::make_shared<Inquirer>(lock, thread, wasAnswered));
+  lock->setValue(nullptr);
+  thread.join();
+  EXPECT_TRUE(wasAnswered);
+}
+
+std::shared_ptr<DispatchGroup> enteredGroup() {
+  auto group = std::make_shared<DispatchGroup>();
+  group->enter();
+  return group;
+}
+
+bool isLeft(DispatchGroup& group) {
+  return group.waitUntil(std::chrono::system_clock::now());
+}
+
+TEST(VXConditionalLock, AnUnlockLeavesTheGroupsThatWereSetAndForgetsThem) {
+  const auto lock = VXConditionalLock::create();
+  const auto first = enteredGroup();
+  const auto second = enteredGroup();
+  const VXConditionalLock::Groups groups{first, second, nullptr};
+  lock->setLocked(true);
+  lock->setGroupsToLeaveOnUnlock(groups);
+  EXPECT_EQ(lock->groupsToLeaveOnUnlock(), groups);
+  EXPECT_FALSE(isLeft(*first));
+  lock->setLocked(false);
+  EXPECT_TRUE(isLeft(*first));
+  EXPECT_TRUE(isLeft(*second));
+  EXPECT_TRUE(lock->groupsToLeaveOnUnlock().empty());
+}
+
+TEST(VXConditionalLock, SettingTheStateThatItHasTouchesNoGroup) {
+  const auto lock = VXConditionalLock::create();
+  const auto group = enteredGroup();
+  lock->setGroupsToLeaveOnUnlock({group});
+  for (const bool locked : {false, true}) {
+    if (locked) lock->setLocked(true);
+    lock->setLocked(locked);
+    EXPECT_EQ(lock->isLocked(), locked);
+    EXPECT_FALSE(isLeft(*group)) << locked;
+    EXPECT_EQ(lock->groupsToLeaveOnUnlock(), VXConditionalLock::Groups{group}) << locked;
+  }
+  lock->setLocked(false);
+  EXPECT_TRUE(isLeft(*group));
+}
+
+TEST(VXConditionalLock, GroupsThatWereReplacedAreNotLeft) {
+  const auto lock = VXConditionalLock::create();
+  const auto replaced = enteredGroup();
+  const auto group = enteredGroup();
+  lock->setLocked(true);
+  lock->setGroupsToLeaveOnUnlock({replaced});
+  lock->setGroupsToLeaveOnUnlock({group});
+  lock->setLocked(false);
+  EXPECT_FALSE(isLeft(*replaced));
+  EXPECT_TRUE(isLeft(*group));
 }
 
 }  // namespace
