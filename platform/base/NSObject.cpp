@@ -7,6 +7,19 @@
 
 namespace vornix {
 
+namespace {
+
+// Drops those that have died. At least half of what there is then is free, so that each observer's
+// share of this work is small, however many come and go.
+template <typename Observers>
+void makeRoom(Observers& observers) {
+  std::erase_if(observers, [](const auto& entry) { return entry->observer.expired(); });
+  constexpr std::size_t fewest = 2;
+  observers.reserve(std::max(fewest, observers.size() * 2));
+}
+
+}  // namespace
+
 NSObject::~NSObject() = default;
 
 std::string NSObject::description() const {
@@ -21,7 +34,7 @@ NSObject::State& NSObject::state() {
 void NSObject::addObserver(const std::shared_ptr<NSObject>& observer, std::string_view keyPath) {
   if (!observer) return;
   auto& observers = state().observers;
-  std::erase_if(observers, [](const auto& entry) { return entry->observer.expired(); });
+  if (observers.size() == observers.capacity()) makeRoom(observers);
   observers.push_back(std::make_shared<State::Observer>(
       State::Observer{observer, observer.get(), std::string(keyPath)}));
 }

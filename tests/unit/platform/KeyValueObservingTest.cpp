@@ -157,5 +157,18 @@ TEST_F(KeyValueObserving, AMissingObserverIsIgnored) {
   EXPECT_EQ(person_->age(), 36);
 }
 
+// Takes minutes where each new observer costs a look at all others.
+TEST_F(KeyValueObserving, MayHaveVeryManyObserversAlsoWhereTheyComeAndGo) {
+  constexpr std::size_t count = 100'000;
+  std::vector<std::shared_ptr<Watcher>> watchers;
+  for (std::size_t number = 0; number < count; ++number) {
+    watchers.push_back(std::make_shared<Watcher>());
+    person_->addObserver(watchers.back(), "age");
+    person_->addObserver(std::make_shared<Watcher>(), "age");
+  }
+  person_->setAge(1);
+  for (const auto& watcher : watchers) ASSERT_THAT(watcher->ages, ElementsAre(1));
+}
+
 }  // namespace
 }  // namespace vornix
