@@ -31,8 +31,7 @@ std::shared_ptr<const Flag> startInBackground(std::function<void()> block,
   return isFinished;
 }
 
-bool turnUntil(const Flag& isFinished, double timeout, NSRunLoop& loop) {
-  const double start = loop.eventWaiter().now();
+bool turnUntil(const Flag& isFinished, double start, double timeout, NSRunLoop& loop) {
   while (!isFinished) {
     const double elapsed = loop.eventWaiter().now() - start;
     if (!(timeout >= elapsed)) return isFinished;
@@ -54,8 +53,9 @@ void performBlockTimeout(const std::shared_ptr<NSObject>& self, std::function<vo
   if (!self) return;
   if (!block) GTMLogger::sharedLogger()->logDebug("Block shouldn't be nil");
   const auto loop = NSRunLoop::currentRunLoop();
+  const double start = loop->eventWaiter().now();
   const auto isFinished = startInBackground(std::move(block), loop);
-  if (turnUntil(*isFinished, timeout, *loop)) return;
+  if (turnUntil(*isFinished, start, timeout, *loop)) return;
   GTMLogger::sharedLogger()->logDebug("Operation timed out %@", callStack());
 }
 
