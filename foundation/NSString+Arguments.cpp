@@ -1,5 +1,7 @@
 #include "foundation/NSString+Arguments.h"
 
+#include <algorithm>
+
 #include "platform/base/Text.h"
 
 namespace vornix {

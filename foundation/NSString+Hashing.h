@@ -9,7 +9,8 @@
 
 namespace vornix {
 
-// MD5 of the receiver's bytes as 32 lower-case hexadecimal digits.
+// MD5 of the receiver's bytes as 32 lower-case hexadecimal digits. Ill-formed bytes and lone
+// surrogates count as they stand, so that every text has a hash.
 [[nodiscard]] std::string md5Hash(std::string_view self);
 
 // The data in Base64, padded, in one line.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 #include "platform/base/PercentEscapes.h"
 #include "platform/base/Text.h"

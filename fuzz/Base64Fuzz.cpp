@@ -14,7 +14,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   using namespace vornix;
   const std::string_view text(reinterpret_cast<const char*>(bytes), size);
-  const Data decoded = test::plainBase64Decode(text);
+  const Data decoded = tests::plainBase64Decode(text);
   fuzz::require(text::base64Decode(text) == decoded);
   fuzz::require(base64dec(text) ==
                 (text::isValidUtf8(text) ? std::optional<Data>(decoded) : std::nullopt));
@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const auto span = std::as_bytes(std::span(bytes, size));
   const Data data(span.begin(), span.end());
   const std::string encoded = base64enc(data);
-  fuzz::require(encoded == test::plainBase64Encode(data));
+  fuzz::require(encoded == tests::plainBase64Encode(data));
   fuzz::require(base64dec(encoded) == data);
   return 0;
 }

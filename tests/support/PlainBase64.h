@@ -9,7 +9,7 @@
 #include "platform/base/Value.h"
 
 // Base64 as slow and as plain as can be, bit by bit: what the fast one is compared with.
-namespace vornix::test {
+namespace vornix::tests {
 
 inline constexpr std::string_view kBase64Alphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -47,4 +47,4 @@ inline Data plainBase64Decode(std::string_view text) {
   return data;
 }
 
-}  // namespace vornix::test
+}  // namespace vornix::tests

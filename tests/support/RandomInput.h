@@ -10,7 +10,7 @@
 #include "platform/base/Value.h"
 
 // Input for tests of properties. One seed gives the same input in every run.
-namespace vornix::test {
+namespace vornix::tests {
 
 class RandomInput {
  public:
@@ -44,4 +44,4 @@ class RandomInput {
   std::mt19937 engine_;
 };
 
-}  // namespace vornix::test
+}  // namespace vornix::tests

@@ -144,7 +144,7 @@ TEST(NSStringHashing, DecodesNothingFromALoneSurrogateOrIllFormedBytes) {
 }
 
 TEST(NSStringHashing, GivesAnyDataBackFromBase64) {
-  test::RandomInput random(7);
+  tests::RandomInput random(7);
   for (std::size_t length = 0; length <= 300; ++length) {
     const Data data = random.bytes(length);
     EXPECT_EQ(base64dec(base64enc(data)), data);
@@ -157,6 +157,20 @@ TEST(NSStringHashing, RunsATransformOnlyWithInput) {
   EXPECT_EQ(base64helper(std::nullopt, transform.get()), std::nullopt);
   EXPECT_EQ(base64helper(dataOf("foo"), transform.get()), dataOf("Zm9v"));
   EXPECT_EQ(base64helper(Data(), transform.get()), Data());
+}
+
+TEST(NSStringHashing, AnswersWhatTheTransformMakesOfTheData) {
+  const auto encoder = SecEncodeTransformCreate(kSecBase64Encoding);
+  const auto decoder = SecDecodeTransformCreate(kSecBase64Encoding);
+  for (const Encoded& row : kEncoded) {
+    EXPECT_EQ(base64helper(dataOf(row.bytes), encoder.get()), dataOf(row.text)) << row.text;
+    EXPECT_EQ(base64helper(dataOf(row.text), decoder.get()), dataOf(row.bytes)) << row.text;
+    // What came before leaves nothing behind, nor does missing input.
+    EXPECT_EQ(base64helper(std::nullopt, encoder.get()), std::nullopt) << row.text;
+    EXPECT_EQ(base64helper(std::nullopt, decoder.get()), std::nullopt) << row.text;
+    EXPECT_EQ(base64helper(dataOf(row.bytes), nullptr), std::nullopt) << row.text;
+  }
+  EXPECT_EQ(base64helper(std::nullopt, nullptr), std::nullopt);
 }
 
 class TransformWithoutInput final : public SecTransform {

@@ -9,18 +9,13 @@
 #include "foundation/NumberedCopyExpressions.h"
 #include "foundation/ResourceNameComparison.h"
 #include "tests/support/RandomText.h"
+#include "tests/support/Repeated.h"
 
 namespace vornix {
 namespace {
 
+using tests::repeated;
 using namespace std::string_view_literals;
-
-std::string repeated(std::string_view piece, std::size_t times) {
-  std::string text;
-  text.reserve(piece.size() * times);
-  while (times-- > 0) text += piece;
-  return text;
-}
 
 struct Row {
   std::string_view receiver;

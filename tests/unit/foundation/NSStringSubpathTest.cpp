@@ -6,10 +6,12 @@
 
 #include "foundation/NSString+NSStringAdditions.h"
 #include "tests/support/RandomText.h"
+#include "tests/support/Repeated.h"
 
 namespace vornix {
 namespace {
 
+using tests::repeated;
 using namespace std::string_view_literals;
 
 struct Row {
@@ -23,12 +25,6 @@ void expectRows(std::span<const Row> rows) {
     EXPECT_EQ(isSubpathOf(row.receiver, row.path), row.expected)
         << '"' << row.receiver << "\" below \"" << row.path << '"';
   }
-}
-
-std::string repeated(std::string_view piece, std::size_t times) {
-  std::string text;
-  while (times-- > 0) text += piece;
-  return text;
 }
 
 TEST(NSStringSubpath, IsNoSubpathOfALongerPath) {

@@ -8,10 +8,12 @@
 
 #include "platform/base/Text.h"
 #include "tests/support/RandomText.h"
+#include "tests/support/Repeated.h"
 
 namespace vornix {
 namespace {
 
+using tests::repeated;
 using namespace std::string_view_literals;
 
 struct Row {
@@ -27,13 +29,6 @@ void expectRows(std::span<const Row> rows) {
               row.expected)
         << '"' << row.target << "\" in \"" << row.receiver << '"';
   }
-}
-
-std::string repeated(std::string_view piece, std::size_t times) {
-  std::string text;
-  text.reserve(piece.size() * times);
-  while (times-- > 0) text += piece;
-  return text;
 }
 
 TEST(NSStringURLAdditions, ReplacesFromTheLeftWithoutLookingIntoWhatItInserted) {

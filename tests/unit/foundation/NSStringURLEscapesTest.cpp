@@ -86,7 +86,7 @@ TEST(NSStringURLEscapes, DecodesOneLevelOfEscapes) {
 }
 
 TEST(NSStringURLEscapes, GivesAnyTextBack) {
-  test::RandomInput random(8);
+  tests::RandomInput random(8);
   for (std::size_t length = 0; length <= 300; ++length) {
     const std::string text = "." + random.text(length);
     const auto escaped = stringByEncodingURLEscapes(text);

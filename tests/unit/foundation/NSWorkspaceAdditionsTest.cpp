@@ -3,18 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/base/Diagnostics.h"
 #include "platform/preferences/CFPreferences.h"
 #include "tests/fakes/FakeAccessibilityStatus.h"
-#include "tests/fakes/FakeFileTree.h"
-#include "tests/fakes/FakeFileViewer.h"
 #include "tests/fakes/FakePreferencesStore.h"
 
 namespace vornix {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr std::string_view kAccessibility = "com.apple.universalaccess";
 
@@ -115,53 +109,6 @@ TEST_F(NSWorkspaceAdditions, TakesAHugeLanguage) {
   const std::string huge(10'000'000, 'x');
   prefer(Array{huge + "-y"});
   EXPECT_EQ(preferredLanguage(workspace_, defaults_), huge);
-}
-
-class RevealInFinder : public testing::Test {
- protected:
-  RevealInFinder() {
-    setDiagnosticReceiver([this](std::string_view line) { diagnostics_.emplace_back(line); });
-    tree_.clear();
-    viewer_.selected.clear();
-    viewer_.opened.clear();
-  }
-  ~RevealInFinder() override { setDiagnosticReceiver({}); }
-  void reveal(std::string_view path) { revealInFinderFile(NSWorkspace::sharedWorkspace(), path); }
-
-  fakes::FakeFileTree& tree_ = fakes::fileTree();
-  fakes::FakeFileViewer& viewer_ = fakes::fileViewer();
-  std::vector<std::string> diagnostics_;
-};
-
-TEST_F(RevealInFinder, SelectsFilesFoldersAndLinksThatLeadSomewhere) {
-  tree_.addFile("/home/ada/report.txt");
-  tree_.addLink("/home/link", "ada");
-  tree_.addFile("/home/caf\xE9\xFF");
-  for (const char* path : {"/home/ada/report.txt", "/home/ada", "/home/link", "/home/caf\xE9\xFF"})
-    reveal(path);
-  EXPECT_THAT(viewer_.selected,
-              ElementsAre("/home/ada/report.txt", "/home/ada", "/home/link", "/home/caf\xE9\xFF"));
-}
-
-TEST_F(RevealInFinder, OpensNothingForAPathThatDoesNotExist) {
-  tree_.addFile("/home/file");
-  tree_.addLink("/home/dangling", "missing");
-  for (const std::string_view path :
-       {std::string_view("/home/missing"), std::string_view("/home/dangling"),
-        std::string_view("/home/file/x"), std::string_view(), std::string_view("/home\0", 6)}) {
-    reveal(path);
-  }
-  EXPECT_THAT(viewer_.selected, IsEmpty());
-  EXPECT_THAT(viewer_.opened, IsEmpty());
-  EXPECT_THAT(diagnostics_, IsEmpty());
-}
-
-TEST_F(RevealInFinder, AsksTheSharedWorkspaceWhicheverIsTheReceiver) {
-  fakes::FakeFileViewer another;
-  tree_.addFolder("/home");
-  revealInFinderFile(NSWorkspace(sharedApplicationService(), another), "/home");
-  EXPECT_THAT(another.selected, IsEmpty());
-  EXPECT_THAT(viewer_.selected, ElementsAre("/home"));
 }
 
 class VoiceOver : public testing::Test {

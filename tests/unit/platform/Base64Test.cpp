@@ -116,17 +116,17 @@ TEST(Base64, RemembersWhatWasStoredAtAPlaceThroughIncompleteGroups) {
 }
 
 TEST(Base64, GivesBytesOfEveryLengthBack) {
-  test::RandomInput random(3);
+  tests::RandomInput random(3);
   for (std::size_t length = 0; length <= 300; ++length) {
     const Data data = random.bytes(length);
     const std::string text = base64Encode(data);
-    EXPECT_EQ(text, test::plainBase64Encode(data));
+    EXPECT_EQ(text, tests::plainBase64Encode(data));
     EXPECT_EQ(base64Decode(text), data) << text;
   }
 }
 
 TEST(Base64, GivesTextsOfEveryLengthBack) {
-  test::RandomInput random(4);
+  tests::RandomInput random(4);
   for (std::size_t length = 0; length <= 300; ++length) {
     const std::string text = random.text(length);
     EXPECT_EQ(decoded(encoded(text)), text);
@@ -134,7 +134,7 @@ TEST(Base64, GivesTextsOfEveryLengthBack) {
 }
 
 TEST(Base64, DecodesAnyBytesAsThePlainDecoderDoes) {
-  test::RandomInput random(5);
+  tests::RandomInput random(5);
   constexpr std::string_view usual =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/ABCDEFGHIJK \r\n\t-_";
   for (int round = 0; round < 3000; ++round) {
@@ -143,12 +143,12 @@ TEST(Base64, DecodesAnyBytesAsThePlainDecoderDoes) {
       text += random.upTo(60) == 0 ? static_cast<char>(random.upTo(255))
                                    : usual[random.upTo(usual.size() - 1)];
     }
-    EXPECT_EQ(base64Decode(text), test::plainBase64Decode(text)) << text;
+    EXPECT_EQ(base64Decode(text), tests::plainBase64Decode(text)) << text;
   }
 }
 
 TEST(Base64, CodesLargeDataInLinesAndWithout) {
-  test::RandomInput random(6);
+  tests::RandomInput random(6);
   const Data data = random.bytes(60'000);
   std::string text = base64Encode(data);
   EXPECT_EQ(base64Decode(text), data);

@@ -10,6 +10,7 @@
 #include "platform/text/SequenceMatches.h"
 #include "tests/support/CanonicalOracle.h"
 #include "tests/support/RandomText.h"
+#include "tests/support/Repeated.h"
 
 namespace vornix::text {
 
@@ -19,6 +20,7 @@ void PrintTo(const ByteRange& range, std::ostream* out) {
 
 namespace {
 
+using tests::repeated;
 using namespace std::string_view_literals;
 
 std::optional<ByteRange> firstMatch(std::string_view text, std::string_view pattern) {
@@ -31,13 +33,6 @@ std::vector<ByteRange> allMatches(std::string_view text, std::string_view patter
   Matches matches(text, pattern);
   while (const auto match = matches.next()) found.push_back(*match);
   return found;
-}
-
-std::string repeated(std::string_view piece, std::size_t times) {
-  std::string text;
-  text.reserve(piece.size() * times);
-  while (times-- > 0) text += piece;
-  return text;
 }
 
 struct Row {

@@ -196,7 +196,7 @@ TEST(PercentEscapes, DropsAByteOrderMarkAtTheVeryStartOnly) {
 }
 
 TEST(PercentEscapes, GivesAnyTextBackAfterEscaping) {
-  test::RandomInput random(1);
+  tests::RandomInput random(1);
   for (std::size_t characters = 0; characters <= 300; ++characters) {
     const std::string text = "." + random.text(characters);
     for (const auto& escaped :
@@ -208,7 +208,7 @@ TEST(PercentEscapes, GivesAnyTextBackAfterEscaping) {
 }
 
 TEST(PercentEscapes, GivesATextOfManyPiecesBackAfterEscaping) {
-  test::RandomInput random(2);
+  tests::RandomInput random(2);
   const std::string text = "." + random.text(200'000);
   const auto escaped = addingPercentEscapesToAllButUnreserved(text);
   ASSERT_TRUE(escaped);
