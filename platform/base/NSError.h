@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/base/Value.h"
+
 namespace vornix {
 
 // Why an operation failed. Returned or handed to an out-parameter, never thrown.
@@ -15,6 +17,8 @@ struct NSError {
   std::string filePath{};
   // The system's error number behind it; 0 when there is none.
   int underlyingErrno = 0;
+  // What else belongs to it, by name.
+  Dictionary userInfo{};
 
   [[nodiscard]] std::string description() const;
   friend bool operator==(const NSError&, const NSError&) = default;

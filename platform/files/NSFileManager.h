@@ -1,22 +1,83 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
+
+#include "platform/base/NSError.h"
+#include "platform/files/FileSystem.h"
+#include "platform/files/NSURL.h"
+#include "platform/files/StandardDirectories.h"
 
 namespace vornix {
 
+// The `NSCocoaErrorDomain` codes of a file manager.
+inline constexpr std::int64_t NSFileNoSuchFileError = 4;
+inline constexpr std::int64_t NSFileReadUnknownError = 256;
+inline constexpr std::int64_t NSFileReadNoPermissionError = 257;
+inline constexpr std::int64_t NSFileReadInvalidFileNameError = 258;
+inline constexpr std::int64_t NSFileReadNoSuchFileError = 260;
+inline constexpr std::int64_t NSFileReadUnsupportedSchemeError = 262;
+inline constexpr std::int64_t NSFileReadTooLargeError = 263;
+inline constexpr std::int64_t NSFileWriteUnknownError = 512;
+inline constexpr std::int64_t NSFileWriteNoPermissionError = 513;
+inline constexpr std::int64_t NSFileWriteInvalidFileNameError = 514;
+inline constexpr std::int64_t NSFileWriteFileExistsError = 516;
+inline constexpr std::int64_t NSFileWriteOutOfSpaceError = 640;
+inline constexpr std::int64_t NSFileWriteVolumeReadOnlyError = 642;
+
 // What stands in the file system. Paths are bytes, relative ones start at the current folder; an
-// empty path and one with a zero byte name nothing. Any thread.
+// empty path and one with a zero byte name nothing. Where an operation fails, `error` is set to the
+// code of what happened, with the path and the system's own error number; success leaves it as it
+// is. Any thread.
 class NSFileManager {
  public:
-  virtual ~NSFileManager() = default;
+  // Both must outlive the manager.
+  NSFileManager(FileSystem& fileSystem, const StandardDirectories& directories)
+      : fileSystem_(fileSystem), directories_(directories) {}
 
   // The process's own, never destroyed.
   [[nodiscard]] static NSFileManager& defaultManager();
 
   // Follows links: one that leads nowhere does not exist, and neither does what may not be reached.
   // `isDirectory`, when given, tells whether it is a folder; false where nothing exists.
-  [[nodiscard]] virtual bool fileExistsAtPath(std::string_view path,
-                                              bool* isDirectory = nullptr) const = 0;
+  [[nodiscard]] bool fileExistsAtPath(std::string_view path, bool* isDirectory = nullptr) const;
+  // Of the item itself, also when it is a link.
+  [[nodiscard]] std::optional<FileStatus> attributesOfItemAtPath(
+      std::string_view path, std::optional<NSError>* error = nullptr) const;
+  // The link's text as it stands, one level.
+  [[nodiscard]] std::optional<std::string> destinationOfSymbolicLinkAtPath(
+      std::string_view path, std::optional<NSError>* error = nullptr) const;
+
+  // A folder that exists counts as made only with `withIntermediateDirectories`, which makes the
+  // folders above, too. New folders have the permissions asked for, else all, and folders above
+  // all, less the process's mask.
+  bool createDirectoryAtPath(std::string_view path, bool withIntermediateDirectories,
+                             std::optional<NSError>* error = nullptr);
+  bool createDirectoryAtPath(std::string_view path, bool withIntermediateDirectories,
+                             std::uint32_t permissions, std::optional<NSError>* error = nullptr);
+  // An empty file; one that exists keeps what it holds. False when no file is there in the end.
+  bool createFileAtPath(std::string_view path);
+  // A folder goes with all that is in it, a link by itself. What had been removed before a failure
+  // stays removed.
+  bool removeItemAtPath(std::string_view path, std::optional<NSError>* error = nullptr);
+
+  // The standard directory search, as folders' URLs.
+  [[nodiscard]] std::vector<NSURL> URLsForDirectory(NSSearchPathDirectory kind,
+                                                    NSSearchPathDomainMask inDomains) const;
+  [[nodiscard]] std::string currentDirectoryPath() const { return fileSystem_.currentFolder(); }
+  [[nodiscard]] const StandardDirectories& standardDirectories() const { return directories_; }
+
+ private:
+  int makeFolderWithParents(std::string_view path, std::uint32_t permissions);
+
+  FileSystem& fileSystem_;
+  const StandardDirectories& directories_;
 };
+
+// The type as "NSFileType" names it: "NSFileTypeRegular" and so on.
+[[nodiscard]] std::string_view nameOfFileType(FileType type);
 
 }  // namespace vornix

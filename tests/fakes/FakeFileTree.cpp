@@ -1,17 +1,26 @@
 #include "tests/fakes/FakeFileTree.h"
 
+#include <cerrno>
 #include <deque>
 #include <vector>
 
+#include "platform/base/PathText.h"
 #include "platform/base/Text.h"
 
 namespace vornix::fakes {
 namespace {
 
 constexpr int kMostLinks = 40;
+constexpr std::size_t kLongestName = 255;
+constexpr std::size_t kLongestPath = 4095;
 
 std::string parentOf(const std::string& resolved) {
   return resolved.substr(0, resolved.rfind('/'));
+}
+
+std::string_view withoutTrailingSlashes(std::string_view path) {
+  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+  return path;
 }
 
 void putInFront(std::deque<std::string>& steps, const std::string& path) {
@@ -26,11 +35,11 @@ void FakeFileTree::addFolder(const std::string& path) {
 }
 
 void FakeFileTree::addFile(const std::string& path) {
-  add(path, {.kind = Kind::file, .target = {}});
+  add(path, {.type = FileType::regular});
 }
 
 void FakeFileTree::addLink(const std::string& path, const std::string& target) {
-  add(path, {.kind = Kind::link, .target = target});
+  add(path, {.type = FileType::symbolicLink, .target = target});
 }
 
 void FakeFileTree::mountAt(const std::string& path) {
@@ -52,38 +61,100 @@ void FakeFileTree::clear() {
   *this = FakeFileTree();
 }
 
+void FakeFileTree::refuseChangesIn(const std::string& path, int error) {
+  refusals_[path] = error;
+}
+
+void FakeFileTree::disown(const std::string& path) {
+  items_[path].isOwn = false;
+}
+
 std::optional<std::string> FakeFileTree::resolve(std::string_view path, bool followsItem) const {
-  if (path.empty() || path.find('\0') != std::string_view::npos) return std::nullopt;
+  std::string resolved;
+  return locate(path, followsItem, resolved) == 0 ? std::optional(resolved) : std::nullopt;
+}
+
+int FakeFileTree::locate(std::string_view path, bool followsItem, std::string& resolved) const {
+  if (path.empty() || path.find('\0') != std::string_view::npos) return ENOENT;
+  if (path.size() > kLongestPath) return ENAMETOOLONG;
   std::deque<std::string> steps;
   putInFront(steps, std::string(path));
   if (!path.starts_with('/')) putInFront(steps, currentFolder);
   std::string at;
   for (int links = 0; !steps.empty();) {
-    if (!isFolder(at)) return std::nullopt;
+    if (!isFolder(at)) return ENOTDIR;
     const std::string step = steps.front();
     steps.pop_front();
+    if (step.size() > kLongestName) return ENAMETOOLONG;
     if (step.empty() || step == ".") continue;
     if (step == "..") {
       if (!at.empty()) at = parentOf(at);
       continue;
     }
     const auto found = items_.find(at + "/" + step);
-    if (found == items_.end()) return std::nullopt;
+    if (found == items_.end()) return ENOENT;
     const Item& item = found->second;
-    if (item.kind != Kind::link || (steps.empty() && !followsItem)) {
+    if (item.type != FileType::symbolicLink || (steps.empty() && !followsItem)) {
       at = found->first;
       continue;
     }
-    if (++links > kMostLinks) return std::nullopt;
+    if (++links > kMostLinks) return ELOOP;
     if (item.target.starts_with('/')) at.clear();
     putInFront(steps, item.target);
   }
-  return at;
+  resolved = at;
+  return 0;
+}
+
+FakeFileTree::Item FakeFileTree::itemAt(const std::string& resolved) const {
+  const auto found = items_.find(resolved);
+  return found == items_.end() ? Item() : found->second;
 }
 
 bool FakeFileTree::isFolder(const std::string& resolved) const {
   const auto found = items_.find(resolved);
-  return resolved.empty() || (found != items_.end() && found->second.kind == Kind::folder);
+  return resolved.empty() || (found != items_.end() && found->second.type == FileType::directory);
+}
+
+int FakeFileTree::make(std::string_view path, const Item& item) {
+  std::string resolved;
+  const int error = locate(path, false, resolved);
+  if (error == 0) return EEXIST;
+  if (error != ENOENT) return error;
+  if (item.type == FileType::directory) path = withoutTrailingSlashes(path);
+  const auto slash = path.rfind('/');
+  const std::string folder(slash == std::string_view::npos ? "." : path.substr(0, slash + 1));
+  const std::string name(path.substr(slash == std::string_view::npos ? 0 : slash + 1));
+  const int folderError = locate(folder, true, resolved);
+  if (folderError != 0) return folderError;
+  if (name.empty()) return path.empty() ? ENOENT : EISDIR;
+  if (path.find('\0') != std::string_view::npos) return ENOENT;
+  if (const int refused = refusal(resolved)) return refused;
+  items_[resolved + "/" + name] = item;
+  return 0;
+}
+
+int FakeFileTree::remove(std::string_view path) {
+  const std::string_view item = withoutTrailingSlashes(path);
+  const std::string name = text::lastPathComponent(item);
+  if (name == "/") return EBUSY;
+  if (name == "." || name == "..") return EINVAL;
+  std::string resolved;
+  if (const int error = locate(item, false, resolved)) return error;
+  if (item.size() < path.size() && itemAt(resolved).type == FileType::regular) return ENOTDIR;
+  if (const int refused = refusal(parentOf(resolved))) return refused;
+  for (const auto& [folder, error] : refusals_) {
+    if (folder == resolved || folder.starts_with(resolved + "/")) return error;
+  }
+  std::erase_if(items_, [&resolved](const auto& each) {
+    return each.first == resolved || each.first.starts_with(resolved + "/");
+  });
+  return 0;
+}
+
+int FakeFileTree::refusal(const std::string& folder) const {
+  const auto found = refusals_.find(folder);
+  return found == refusals_.end() ? 0 : found->second;
 }
 
 bool FakeFileTree::isMountPoint(const std::string& resolved) const {
@@ -96,10 +167,45 @@ void FakeFileTree::add(const std::string& path, const Item& item) {
   items_[path] = item;
 }
 
-bool FakeFileManager::fileExistsAtPath(std::string_view path, bool* isDirectory) const {
-  const auto resolved = tree_.resolve(path, true);
-  if (isDirectory != nullptr) *isDirectory = resolved && tree_.isFolder(*resolved);
-  return resolved.has_value();
+int FakeFileSystem::status(std::string_view path, bool followsLinks, FileStatus& status) const {
+  const std::lock_guard lock(mutex_);
+  std::string resolved;
+  const int error = tree_.locate(path, followsLinks, resolved);
+  if (error != 0) return error;
+  const auto item = tree_.itemAt(resolved);
+  status = {.type = item.type, .permissions = item.permissions, .isOwn = item.isOwn};
+  return 0;
+}
+
+int FakeFileSystem::readLink(std::string_view path, std::string& target) const {
+  const std::lock_guard lock(mutex_);
+  std::string resolved;
+  const int error = tree_.locate(path, false, resolved);
+  if (error != 0) return error;
+  const auto item = tree_.itemAt(resolved);
+  if (item.type != FileType::symbolicLink) return EINVAL;
+  target = item.target;
+  return 0;
+}
+
+int FakeFileSystem::makeFolder(std::string_view path, std::uint32_t permissions) {
+  const std::lock_guard lock(mutex_);
+  return tree_.make(path, {.type = FileType::directory, .permissions = permissions});
+}
+
+int FakeFileSystem::makeFile(std::string_view path) {
+  const std::lock_guard lock(mutex_);
+  return tree_.make(path, {.type = FileType::regular, .permissions = 0644});
+}
+
+int FakeFileSystem::remove(std::string_view path) {
+  const std::lock_guard lock(mutex_);
+  return tree_.remove(path);
+}
+
+std::string FakeFileSystem::currentFolder() const {
+  const std::lock_guard lock(mutex_);
+  return tree_.currentFolder;
 }
 
 std::optional<std::string> FakeVolumes::volumePathOf(std::string_view path) const {

@@ -1,14 +1,18 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 
+#include "platform/files/FileSystem.h"
 #include "platform/files/NSFileManager.h"
 #include "platform/files/Volumes.h"
+#include "tests/fakes/FakeStandardDirectories.h"
 
 namespace vornix::fakes {
 
@@ -28,31 +32,63 @@ class FakeFileTree {
   void bind(const std::string& source, const std::string& path);
   void clear();
 
+  // From now on nothing can be made or removed in this folder, for that error number.
+  void refuseChangesIn(const std::string& path, int error);
+  // What stands there belongs to somebody else.
+  void disown(const std::string& path);
+
+  struct Item {
+    FileType type = FileType::directory;
+    std::string target{};
+    std::uint32_t permissions = 0755;
+    bool isOwn = true;
+  };
   // The path without links, empty for the root; none for what does not exist. The item itself is
   // followed on demand only.
   [[nodiscard]] std::optional<std::string> resolve(std::string_view path, bool followsItem) const;
+  // The same, with the reason for none as an error number; else 0.
+  [[nodiscard]] int locate(std::string_view path, bool followsItem, std::string& resolved) const;
+  // The item at such a path; the root when there is no other.
+  [[nodiscard]] Item itemAt(const std::string& resolved) const;
   [[nodiscard]] bool isFolder(const std::string& resolved) const;
   [[nodiscard]] bool isMountPoint(const std::string& resolved) const;
+  // A new item, and the end of one with all below it. Answer 0 or an error number.
+  int make(std::string_view path, const Item& item);
+  int remove(std::string_view path);
 
  private:
-  enum class Kind { folder, file, link };
-  struct Item {
-    Kind kind = Kind::folder;
-    std::string target;
-  };
   void add(const std::string& path, const Item& item);
+  [[nodiscard]] int refusal(const std::string& folder) const;
 
   std::map<std::string, Item, std::less<>> items_;
+  std::map<std::string, int, std::less<>> refusals_;
   std::set<std::string, std::less<>> mounts_;
 };
 
-class FakeFileManager final : public NSFileManager {
+// Permissions are kept and told, but hinder nobody, and no mask is taken from them.
+class FakeFileSystem final : public FileSystem {
  public:
-  explicit FakeFileManager(const FakeFileTree& tree) : tree_(tree) {}
-  [[nodiscard]] bool fileExistsAtPath(std::string_view path, bool* isDirectory) const override;
+  explicit FakeFileSystem(FakeFileTree& tree) : tree_(tree) {}
+
+  [[nodiscard]] int status(std::string_view path, bool followsLinks,
+                           FileStatus& status) const override;
+  [[nodiscard]] int readLink(std::string_view path, std::string& target) const override;
+  [[nodiscard]] int makeFolder(std::string_view path, std::uint32_t permissions) override;
+  [[nodiscard]] int makeFile(std::string_view path) override;
+  [[nodiscard]] int remove(std::string_view path) override;
+  [[nodiscard]] std::string currentFolder() const override;
 
  private:
-  const FakeFileTree& tree_;
+  mutable std::mutex mutex_;
+  FakeFileTree& tree_;
+};
+
+// A file manager on a machine of its own, in memory.
+struct FakeFileMachine {
+  FakeFileTree tree;
+  FakeStandardDirectories directories;
+  FakeFileSystem fileSystem{tree};
+  NSFileManager files{fileSystem, directories};
 };
 
 class FakeVolumes final : public Volumes {
@@ -64,7 +100,7 @@ class FakeVolumes final : public Volumes {
   const FakeFileTree& tree_;
 };
 
-// The one that the process's file manager and volumes show on the fake platform.
+// The one that the process's file system and volumes show on the fake platform.
 FakeFileTree& fileTree();
 
 }  // namespace vornix::fakes

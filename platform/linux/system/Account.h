@@ -14,5 +14,6 @@ struct Account {
 
 // What the system's user database says. None when there is no such account.
 [[nodiscard]] std::optional<Account> accountOfUser(uid_t user);
+[[nodiscard]] std::optional<Account> accountNamed(const std::string& name);
 
 }  // namespace vornix

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -72,6 +73,18 @@ void LinuxFileWorld::mount(const std::string& name) {
 
 void LinuxFileWorld::bind(const std::string& source, const std::string& name) {
   attach(path(source), name, nullptr, MS_BIND);
+}
+
+void LinuxFileWorld::forbidChangesIn(const std::string& name) {
+  constexpr uid_t kNobody = 65534;
+  if (geteuid() == 0) {
+    // Nothing hinders root, so the story goes on as somebody else.
+    EXPECT_EQ(chown(root_.c_str(), kNobody, kNobody), 0);
+    for (const auto& item : std::filesystem::recursive_directory_iterator(root_))
+      EXPECT_EQ(lchown(item.path().c_str(), kNobody, kNobody), 0) << item.path();
+    EXPECT_EQ(seteuid(kNobody), 0);
+  }
+  EXPECT_EQ(chmod(path(name).c_str(), 0555), 0) << name;
 }
 
 void LinuxFileWorld::attach(const std::string& source, const std::string& name, const char* type,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <functional>
 #include <string>
 
@@ -19,6 +20,7 @@ class FakeFileWorld {
   FakeFileWorld() { tree_.addFolder("/root"); }
 
   [[nodiscard]] const NSFileManager& files() const { return files_; }
+  [[nodiscard]] NSFileManager& files() { return files_; }
   [[nodiscard]] const Volumes& volumes() const { return volumes_; }
   // The absolute path, without links; the root's for an empty name.
   [[nodiscard]] static std::string path(const std::string& name) {
@@ -38,6 +40,9 @@ class FakeFileWorld {
   void bind(const std::string& source, const std::string& name) {
     tree_.bind(path(source), path(name));
   }
+  // From now on nobody may make or remove anything in the folder, but all else that this world made
+  // so far stays the process's own. Once in a story, at its end.
+  void forbidChangesIn(const std::string& name) { tree_.refuseChangesIn(path(name), EACCES); }
 
   enum class Outcome { played, mayNotMount };
   static Outcome play(const std::function<void(FakeFileWorld&)>& story) {
@@ -48,7 +53,9 @@ class FakeFileWorld {
 
  private:
   fakes::FakeFileTree tree_;
-  fakes::FakeFileManager files_{tree_};
+  fakes::FakeStandardDirectories directories_;
+  fakes::FakeFileSystem fileSystem_{tree_};
+  NSFileManager files_{fileSystem_, directories_};
   fakes::FakeVolumes volumes_{tree_};
 };
 
@@ -58,7 +65,7 @@ class LinuxFileWorld {
  public:
   LinuxFileWorld();
 
-  [[nodiscard]] static const NSFileManager& files() { return NSFileManager::defaultManager(); }
+  [[nodiscard]] static NSFileManager& files() { return NSFileManager::defaultManager(); }
   [[nodiscard]] static const Volumes& volumes() { return sharedVolumes(); }
   [[nodiscard]] std::string path(const std::string& name) const {
     return name.empty() ? root_ : root_ + "/" + name;
@@ -70,6 +77,7 @@ class LinuxFileWorld {
   void enter(const std::string& name);
   void mount(const std::string& name);
   void bind(const std::string& source, const std::string& name);
+  void forbidChangesIn(const std::string& name);
 
   using Outcome = FakeFileWorld::Outcome;
   // The story's failed expectations are failures of the test.

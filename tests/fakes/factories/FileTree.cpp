@@ -7,9 +7,9 @@ fakes::FakeFileTree& fakes::fileTree() {
   return tree;
 }
 
-NSFileManager& NSFileManager::defaultManager() {
-  static auto& manager = *new fakes::FakeFileManager(fakes::fileTree());
-  return manager;
+FileSystem& sharedFileSystem() {
+  static auto& fileSystem = *new fakes::FakeFileSystem(fakes::fileTree());
+  return fileSystem;
 }
 
 const Volumes& sharedVolumes() {

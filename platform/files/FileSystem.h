@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vornix {
+
+enum class FileType {
+  regular,
+  directory,
+  symbolicLink,
+  socket,
+  characterSpecial,
+  blockSpecial,
+  unknown
+};
+
+struct FileStatus {
+  FileType type = FileType::unknown;
+  // The lowest nine are read, write and execute, for owner, group and others.
+  std::uint32_t permissions = 0;
+  // Whether it belongs to the account that this process runs under.
+  bool isOwn = false;
+};
+
+// What can be done to the items of a file system. Paths are bytes, relative ones start at the
+// current folder; an empty path and one with a zero byte name nothing. Operations answer 0, or the
+// system's error number (as <cerrno> names it) and have then left their results alone. Any thread.
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  [[nodiscard]] virtual int status(std::string_view path, bool followsLinks,
+                                   FileStatus& status) const = 0;
+  // The text of a link, as it stands; EINVAL for anything else.
+  [[nodiscard]] virtual int readLink(std::string_view path, std::string& target) const = 0;
+  // In a folder that exists; the process's mask is taken from the permissions. EEXIST for whatever
+  // stands there already, links that lead nowhere included.
+  [[nodiscard]] virtual int makeFolder(std::string_view path, std::uint32_t permissions) = 0;
+  // The same for an empty file, with all permissions that the mask leaves but those to execute.
+  [[nodiscard]] virtual int makeFile(std::string_view path) = 0;
+  // A folder goes with all that is in it, a link by itself: nothing beyond a link is ever touched.
+  // The first failure ends it; what was removed stays removed. EINVAL for names that end in "." or
+  // "..", EBUSY for the root.
+  [[nodiscard]] virtual int remove(std::string_view path) = 0;
+  // Absolute; "/" where it cannot be told.
+  [[nodiscard]] virtual std::string currentFolder() const = 0;
+};
+
+// The process's own, never destroyed.
+[[nodiscard]] FileSystem& sharedFileSystem();
+
+}  // namespace vornix

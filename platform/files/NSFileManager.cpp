@@ -1,0 +1,171 @@
+#include "platform/files/NSFileManager.h"
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "platform/base/PathText.h"
+
+namespace vornix {
+namespace {
+
+constexpr std::uint32_t kAllPermissions = 0777;
+
+std::int64_t readingCode(int number) {
+  switch (number) {
+    case ENOENT:
+      return NSFileReadNoSuchFileError;
+    case EPERM:
+    case EACCES:
+      return NSFileReadNoPermissionError;
+    case ENAMETOOLONG:
+      return NSFileReadInvalidFileNameError;
+    case EFBIG:
+      return NSFileReadTooLargeError;
+    default:
+      return NSFileReadUnknownError;
+  }
+}
+
+std::int64_t writingCode(int number) {
+  switch (number) {
+    case ENOENT:
+      return NSFileNoSuchFileError;
+    case EPERM:
+    case EACCES:
+      return NSFileWriteNoPermissionError;
+    case ENAMETOOLONG:
+      return NSFileWriteInvalidFileNameError;
+    case EEXIST:
+      return NSFileWriteFileExistsError;
+    case ENOSPC:
+#ifdef EDQUOT
+    case EDQUOT:
+#endif
+      return NSFileWriteOutOfSpaceError;
+    case EROFS:
+      return NSFileWriteVolumeReadOnlyError;
+    default:
+      return NSFileWriteUnknownError;
+  }
+}
+
+// Sets the error where there is one; answers whether there is none.
+bool succeeded(int number, std::int64_t (*codeOf)(int), std::string_view path,
+               std::optional<NSError>* error) {
+  if (number != 0 && error != nullptr) {
+    *error = NSError{
+        .domain = std::string(NSCocoaErrorDomain),
+        .code = codeOf(number),
+        .localizedDescription = std::string(path) + ": " + std::generic_category().message(number),
+        .filePath = std::string(path),
+        .underlyingErrno = number};
+  }
+  return number == 0;
+}
+
+}  // namespace
+
+NSFileManager& NSFileManager::defaultManager() {
+  static auto& manager = *new NSFileManager(sharedFileSystem(), sharedStandardDirectories());
+  return manager;
+}
+
+bool NSFileManager::fileExistsAtPath(std::string_view path, bool* isDirectory) const {
+  FileStatus status;
+  const bool exists = fileSystem_.status(path, true, status) == 0;
+  if (isDirectory != nullptr) *isDirectory = exists && status.type == FileType::directory;
+  return exists;
+}
+
+std::optional<FileStatus> NSFileManager::attributesOfItemAtPath(
+    std::string_view path, std::optional<NSError>* error) const {
+  FileStatus status;
+  const int number = fileSystem_.status(path, false, status);
+  return succeeded(number, readingCode, path, error) ? std::optional(status) : std::nullopt;
+}
+
+std::optional<std::string> NSFileManager::destinationOfSymbolicLinkAtPath(
+    std::string_view path, std::optional<NSError>* error) const {
+  std::string target;
+  const int number = fileSystem_.readLink(path, target);
+  if (!succeeded(number, readingCode, path, error)) return std::nullopt;
+  return target;
+}
+
+bool NSFileManager::createDirectoryAtPath(std::string_view path, bool withIntermediateDirectories,
+                                          std::optional<NSError>* error) {
+  return createDirectoryAtPath(path, withIntermediateDirectories, kAllPermissions, error);
+}
+
+bool NSFileManager::createDirectoryAtPath(std::string_view path, bool withIntermediateDirectories,
+                                          std::uint32_t permissions,
+                                          std::optional<NSError>* error) {
+  const int number = withIntermediateDirectories ? makeFolderWithParents(path, permissions)
+                                                 : fileSystem_.makeFolder(path, permissions);
+  return succeeded(number, writingCode, path, error);
+}
+
+int NSFileManager::makeFolderWithParents(std::string_view path, std::uint32_t permissions) {
+  // The whole path first: nearly always all of its parents exist.
+  std::vector<std::string> missing;
+  std::string folder(path);
+  int number = fileSystem_.makeFolder(folder, permissions);
+  while (number == ENOENT) {
+    std::string parent = text::deletingLastPathComponent(folder);
+    if (parent.empty() || parent == folder) return number;
+    missing.push_back(std::exchange(folder, std::move(parent)));
+    number = fileSystem_.makeFolder(folder, kAllPermissions);
+  }
+  while (!missing.empty() && (number == 0 || number == EEXIST)) {
+    const bool isLast = missing.size() == 1;
+    number = fileSystem_.makeFolder(missing.back(), isLast ? permissions : kAllPermissions);
+    missing.pop_back();
+  }
+  bool isFolder = false;
+  const bool wasThere = number == EEXIST && fileExistsAtPath(path, &isFolder) && isFolder;
+  return wasThere ? 0 : number;
+}
+
+bool NSFileManager::createFileAtPath(std::string_view path) {
+  if (fileSystem_.makeFile(path) == 0) return true;
+  bool isFolder = false;
+  return fileExistsAtPath(path, &isFolder) && !isFolder;
+}
+
+bool NSFileManager::removeItemAtPath(std::string_view path, std::optional<NSError>* error) {
+  int number = fileSystem_.remove(path);
+  // Somebody keeps filling the folder.
+  if (number == ENOTEMPTY) number = EPERM;
+  return succeeded(number, writingCode, path, error);
+}
+
+std::vector<NSURL> NSFileManager::URLsForDirectory(NSSearchPathDirectory kind,
+                                                   NSSearchPathDomainMask inDomains) const {
+  std::vector<NSURL> urls;
+  for (const std::string& path : directories_.directories(kind, inDomains))
+    urls.push_back(NSURL::fileURLWithPath(path, true));
+  return urls;
+}
+
+std::string_view nameOfFileType(FileType type) {
+  switch (type) {
+    case FileType::regular:
+      return "NSFileTypeRegular";
+    case FileType::directory:
+      return "NSFileTypeDirectory";
+    case FileType::symbolicLink:
+      return "NSFileTypeSymbolicLink";
+    case FileType::socket:
+      return "NSFileTypeSocket";
+    case FileType::characterSpecial:
+      return "NSFileTypeCharacterSpecial";
+    case FileType::blockSpecial:
+      return "NSFileTypeBlockSpecial";
+    case FileType::unknown:
+      break;
+  }
+  return "NSFileTypeUnknown";
+}
+
+}  // namespace vornix

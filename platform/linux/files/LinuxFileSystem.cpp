@@ -1,0 +1,107 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "platform/files/FileSystem.h"
+#include "platform/linux/files/FolderRemoval.h"
+#include "platform/linux/system/FileDescriptor.h"
+
+namespace vornix {
+namespace {
+
+struct Free {
+  void operator()(char* text) const { std::free(text); }  // NOLINT(cppcoreguidelines-no-malloc)
+};
+
+// None, with `errno` set, where the system would see less than the whole path.
+std::optional<std::string> nameOf(std::string_view path) {
+  if (path.find('\0') == std::string_view::npos) return std::string(path);
+  errno = ENOENT;
+  return std::nullopt;
+}
+
+FileType typeOf(mode_t mode) {
+  switch (mode & S_IFMT) {
+    case S_IFREG:
+      return FileType::regular;
+    case S_IFDIR:
+      return FileType::directory;
+    case S_IFLNK:
+      return FileType::symbolicLink;
+    case S_IFSOCK:
+      return FileType::socket;
+    case S_IFCHR:
+      return FileType::characterSpecial;
+    case S_IFBLK:
+      return FileType::blockSpecial;
+    default:
+      return FileType::unknown;
+  }
+}
+
+class LinuxFileSystem final : public FileSystem {
+ public:
+  [[nodiscard]] int status(std::string_view path, bool followsLinks,
+                           FileStatus& status) const override {
+    const auto name = nameOf(path);
+    struct stat found {};
+    const int flags = followsLinks ? 0 : AT_SYMLINK_NOFOLLOW;
+    if (!name || fstatat(AT_FDCWD, name->c_str(), &found, flags) != 0) return errno;
+    status = {.type = typeOf(found.st_mode),
+              .permissions = found.st_mode & 0777U,
+              .isOwn = found.st_uid == geteuid()};
+    return 0;
+  }
+
+  [[nodiscard]] int readLink(std::string_view path, std::string& target) const override {
+    const auto name = nameOf(path);
+    if (!name) return errno;
+    std::string text(256, '\0');
+    ssize_t length = readlink(name->c_str(), text.data(), text.size());
+    while (length == static_cast<ssize_t>(text.size())) {
+      text.resize(text.size() * 2);
+      length = readlink(name->c_str(), text.data(), text.size());
+    }
+    if (length < 0) return errno;
+    text.resize(static_cast<std::size_t>(length));
+    target = std::move(text);
+    return 0;
+  }
+
+  [[nodiscard]] int makeFolder(std::string_view path, std::uint32_t permissions) override {
+    const auto name = nameOf(path);
+    return name && mkdir(name->c_str(), permissions) == 0 ? 0 : errno;
+  }
+
+  [[nodiscard]] int makeFile(std::string_view path) override {
+    const auto name = nameOf(path);
+    if (!name) return errno;
+    const FileDescriptor file(open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    return file.isOpen() ? 0 : errno;
+  }
+
+  [[nodiscard]] int remove(std::string_view path) override {
+    const auto name = nameOf(path);
+    return name ? removeItem(*name) : errno;
+  }
+
+  [[nodiscard]] std::string currentFolder() const override {
+    const std::unique_ptr<char, Free> path(get_current_dir_name());
+    return path && *path == '/' ? path.get() : "/";
+  }
+};
+
+}  // namespace
+
+FileSystem& sharedFileSystem() {
+  static auto& fileSystem = *new LinuxFileSystem;
+  return fileSystem;
+}
+
+}  // namespace vornix
