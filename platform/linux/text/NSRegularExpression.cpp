@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,20 +30,44 @@ struct ExpressionCloser {
 };
 using Expression = std::unique_ptr<URegularExpression, ExpressionCloser>;
 
-// A text as the engine wants it, and the places in it that nothing may match.
+constexpr std::size_t kMostUnits = std::numeric_limits<std::int32_t>::max();
+
+// A text as the engine wants it.
 struct Units {
   std::u16string units;
-  std::vector<std::size_t> illFormed;
+  bool hasIllFormedByte = false;
 
   explicit Units(std::string_view text) {
     units.reserve(text.size());
     while (!text.empty()) {
       const auto character = text::decodeCharacter(text);
-      if (!character.wellFormed) illFormed.push_back(units.size());
+      hasIllFormedByte = hasIllFormedByte || !character.wellFormed;
       text::appendUnits(units, character.wellFormed ? character.codePoint : U'\uFFFD');
       text.remove_prefix(character.length);
     }
   }
+};
+
+// The places in a text that nothing may match, in units and from the left. There may be as many as
+// bytes, so they are found anew instead of being kept.
+class IllFormedPlaces {
+ public:
+  explicit IllFormedPlaces(std::string_view text) : rest_(text) {}
+
+  std::optional<std::size_t> next() {
+    while (!rest_.empty()) {
+      const auto character = text::decodeCharacter(rest_);
+      const std::size_t place = units_;
+      units_ += character.codePoint > 0xFFFF ? 2 : 1;
+      rest_.remove_prefix(character.length);
+      if (!character.wellFormed) return place;
+    }
+    return std::nullopt;
+  }
+
+ private:
+  std::string_view rest_;
+  std::size_t units_ = 0;
 };
 
 class IcuRegularExpression final : public NSRegularExpression {
@@ -53,13 +78,15 @@ class IcuRegularExpression final : public NSRegularExpression {
   [[nodiscard]] NSRange rangeOfFirstMatchInString(std::string_view string,
                                                   NSMatchingOptions /*options*/,
                                                   NSRange range) const override {
+    if (range.length > kMostUnits) return kNoMatch;
     const Units text(string);
     const std::size_t size = text.units.size();
     if (range.location > size || range.length > size - range.location) return kNoMatch;
-    if (range.length > std::numeric_limits<std::int32_t>::max()) return kNoMatch;
     Expression matcher = takeMatcher();
     if (matcher == nullptr) return kNoMatch;
-    const NSRange match = firstMatch(matcher.get(), text, range);
+    const NSRange match = firstMatch(
+        matcher.get(), std::u16string_view(text.units).substr(range.location, range.length),
+        IllFormedPlaces(text.hasIllFormedByte ? string : ""), range.location);
     giveBack(std::move(matcher));
     return match;
   }
@@ -67,20 +94,20 @@ class IcuRegularExpression final : public NSRegularExpression {
  private:
   // The text is searched piece by piece between ill-formed bytes; the engine sees all of it, so
   // that a piece's end is no end of the text.
-  [[nodiscard]] NSRange firstMatch(URegularExpression* matcher, const Units& text,
-                                   NSRange range) const {
-    const auto searched = std::u16string_view(text.units).substr(range.location, range.length);
+  [[nodiscard]] NSRange firstMatch(URegularExpression* matcher, std::u16string_view searched,
+                                   IllFormedPlaces places, std::size_t location) const {
     UErrorCode error = U_ZERO_ERROR;
     icu_.setText(matcher, searched.data(), static_cast<std::int32_t>(searched.size()), &error);
     std::size_t from = 0;
-    for (const std::size_t place : text.illFormed) {
-      if (place < range.location || place - range.location >= range.length) continue;
-      const std::size_t to = place - range.location;
+    while (const auto place = places.next()) {
+      if (*place < location) continue;
+      const std::size_t to = *place - location;
+      if (to >= searched.size()) break;
       const auto match = matchWithin(matcher, from, to, error);
-      if (match || U_FAILURE(error)) return shifted(match, range.location);
+      if (match || U_FAILURE(error)) return shifted(match, location);
       from = to + 1;
     }
-    return shifted(matchWithin(matcher, from, searched.size(), error), range.location);
+    return shifted(matchWithin(matcher, from, searched.size(), error), location);
   }
 
   [[nodiscard]] std::optional<NSRange> matchWithin(URegularExpression* matcher, std::size_t from,
@@ -129,10 +156,10 @@ class IcuRegularExpression final : public NSRegularExpression {
 
 Expression compiled(const IcuExpressions& icu, std::string_view pattern,
                     NSRegularExpressionOptions options) {
-  const Units text(pattern);
-  const bool usable = text.illFormed.empty() && !text.units.empty() &&
-                      text.units.size() <= std::numeric_limits<std::int32_t>::max();
+  const bool usable = !pattern.empty() && text::utf16Length(pattern) <= kMostUnits &&
+                      !text::hasIllFormedByte(pattern);
   if (!usable) return {nullptr, ExpressionCloser{icu.close}};
+  const Units text(pattern);
   const std::uint32_t flags =
       options == NSRegularExpressionOptions::caseInsensitive ? UREGEX_CASE_INSENSITIVE : 0;
   UErrorCode error = U_ZERO_ERROR;
