@@ -32,7 +32,7 @@ show_progress() {
 
 build_and_install() {
   configure_preset release && step "build release" cmake --build --preset release &&
-    step "install for the demonstration" cmake --install "$build" --prefix "$prefix"
+    step "install for the demonstration" cmake --install "$build" --prefix "$prefix" --component runtime
 }
 
 # One demonstration at a time, since each installs from the same build folder.

@@ -13,6 +13,8 @@ from pathlib import Path
 
 BUILD = Path(os.environ.get("VORNIX_BUILD", Path(__file__).resolve().parents[3] / "build" / "dev"))
 TLS = BUILD / "e2e" / "tls"
+# Everything that can be installed, for tests that only look at it.
+WHOLE = BUILD / "e2e" / "prefix"
 MAIN, CATEGORY, BACKUP = "UA-TEST-MAIN", "UA-TEST-SCHEDULER", "UA-TEST-BACKUP"
 
 _EXTENSIONS = """[req]
@@ -50,20 +52,22 @@ def make_certificates(folder):
     _certificate(folder, "stranger", "leaf")
 
 
-def install(prefix):
+def install(prefix, *options):
     """Installs the build under the prefix; one at a time, since each writes the build's manifest."""
     with open(BUILD / "install.lock", "w", encoding="utf-8") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
-        run = subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix],
+        run = subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix, *options],
                              capture_output=True, text=True)
     if run.returncode != 0:
         raise AssertionError(f"cmake --install: {run.stdout}{run.stderr}")
 
 
 class Tree:
+    """The programs and what belongs to them, for one test to change."""
+
     def __init__(self, prefix):
         self.prefix = Path(prefix)
-        install(self.prefix)
+        install(self.prefix, "--component", "runtime")
         self.agent = self.prefix / "libexec" / "vornix" / "vornix-scheduler"
         self.services = self.prefix / "share" / "dbus-1" / "services"
 
@@ -78,9 +82,8 @@ class Tree:
 
 def prepare():
     make_certificates(TLS)
-    prefix = BUILD / "e2e" / "prefix"
-    shutil.rmtree(prefix, ignore_errors=True)
-    Tree(prefix)
+    shutil.rmtree(WHOLE, ignore_errors=True)
+    install(WHOLE)
 
 
 if __name__ == "__main__":
