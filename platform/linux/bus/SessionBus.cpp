@@ -11,7 +11,7 @@ namespace {
 constexpr const char* kBusName = "org.freedesktop.DBus";
 constexpr const char* kBusPath = "/org/freedesktop/DBus";
 
-std::uint64_t microseconds(double seconds) {
+std::uint64_t timeoutOf(double seconds) {
   return seconds == kNoBusTimeout ? UINT64_MAX : static_cast<std::uint64_t>(seconds * 1e6);
 }
 
@@ -79,7 +79,7 @@ BusReply SessionBus::call(const BusMethod& method, const Writer& write) {
   }
   sd_bus_error error{};
   sd_bus_message* answer = nullptr;
-  const int result = sdBus().sd_bus_call(state_->bus(), message.get(), microseconds(method.timeout),
+  const int result = sdBus().sd_bus_call(state_->bus(), message.get(), timeoutOf(method.timeout),
                                          &error, &answer);
   if (result < 0) {
     reply.error = describe(error, -result);
@@ -96,7 +96,7 @@ void SessionBus::callAsync(const BusMethod& method, const Writer& write, ReplyHa
     state_->answerLater(std::move(handler), *std::move(error));
     return;
   }
-  state_->sendWithReply(message, microseconds(method.timeout), std::move(handler));
+  state_->sendWithReply(message, timeoutOf(method.timeout), std::move(handler));
 }
 
 std::optional<BusError> SessionBus::emitSignal(const std::string& path,

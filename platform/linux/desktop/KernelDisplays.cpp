@@ -4,23 +4,19 @@
 
 #include <algorithm>
 #include <charconv>
-#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "platform/base/Text.h"
+#include "platform/linux/system/FolderHandle.h"
 #include "platform/linux/system/KernelFile.h"
 
 namespace vornix {
 namespace {
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
-
 std::vector<std::string> sortedNames(const std::string& path) {
   std::vector<std::string> names;
-  const std::unique_ptr<DIR, CloseFolder> folder(opendir(path.c_str()));
+  const FolderHandle folder = openFolder(path);
   if (folder == nullptr) {
     return names;
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
 
 #include "platform/base/Diagnostics.h"
 #include "platform/base/NSError.h"
@@ -10,6 +9,7 @@
 #include "platform/linux/desktop/applications/KeyFile.h"
 #include "platform/linux/preferences/FileBytes.h"
 #include "platform/linux/preferences/PropertyList.h"
+#include "platform/linux/system/FolderHandle.h"
 #include "platform/system/ResourceFiles.h"
 
 namespace vornix {
@@ -17,10 +17,6 @@ namespace {
 
 constexpr std::string_view kEntryGroup = "Desktop Entry";
 constexpr std::string_view kEntrySuffix = ".desktop";
-
-struct FolderClose {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
 
 class LinuxResourceFiles final : public ResourceFiles {
  public:
@@ -35,7 +31,7 @@ class LinuxResourceFiles final : public ResourceFiles {
 
   [[nodiscard]] std::vector<std::string> namesInFolder(std::string_view path) const override {
     std::vector<std::string> names;
-    const std::unique_ptr<DIR, FolderClose> folder(opendir(std::string(path).c_str()));
+    const FolderHandle folder = openFolder(std::string(path));
     if (!folder) return names;
     while (const dirent* entry = readdir(folder.get())) {
       const std::string_view name = entry->d_name;

@@ -5,12 +5,12 @@
 namespace vornix::contract {
 namespace {
 
-constexpr const char* kName = "org.freedesktop.FileManager1";
+constexpr const char* kFileManagerName = "org.freedesktop.FileManager1";
 
 }  // namespace
 
 FileManagerProgram::FileManagerProgram()
-    : service_({kName, "/org/freedesktop/FileManager1", kName},
+    : service_({kFileManagerName, "/org/freedesktop/FileManager1", kFileManagerName},
                {BusService::method("ShowItems", "ass", "", &FileManagerProgram::showItems)}, this) {
 }
 

@@ -6,12 +6,12 @@
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 #include <unordered_set>
 
 #include "platform/base/Diagnostics.h"
 #include "platform/base/PathText.h"
 #include "platform/base/Text.h"
+#include "platform/linux/system/FolderHandle.h"
 
 namespace vornix::desktop {
 namespace {
@@ -22,10 +22,6 @@ constexpr int kDeepestFolder = 8;
 constexpr int kMostFolders = 1000;
 
 using FileHandler = std::function<void(const std::string& relativePath)>;
-
-struct CloseFolder {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
 
 bool isFolder(const std::string& path, const dirent& item) {
   if (item.d_type == DT_DIR) return true;
@@ -51,7 +47,7 @@ class FolderWalk {
                                  std::vector<std::string>& subfolders) const {
     std::vector<std::string> names;
     const std::string path = root_ + "/" + relative;
-    const std::unique_ptr<DIR, CloseFolder> folder(opendir(path.c_str()));
+    const FolderHandle folder = openFolder(path);
     while (const dirent* item = folder ? readdir(folder.get()) : nullptr) {
       const std::string name = &item->d_name[0];
       if (name == "." || name == "..") continue;

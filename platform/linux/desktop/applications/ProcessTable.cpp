@@ -7,11 +7,11 @@
 #include <array>
 #include <charconv>
 #include <climits>
-#include <memory>
 #include <tuple>
 
 #include "platform/base/Text.h"
 #include "platform/linux/desktop/applications/SmallFile.h"
+#include "platform/linux/system/FolderHandle.h"
 
 namespace vornix::desktop {
 namespace {
@@ -19,10 +19,6 @@ namespace {
 // More than the kernel lets a program be started with.
 constexpr std::size_t kLargestFile = std::size_t{8} << 20U;
 constexpr std::string_view kDeleted = " (deleted)";
-
-struct CloseFolder {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
 
 template <typename Number>
 std::optional<Number> numberOf(std::string_view text) {
@@ -92,7 +88,7 @@ std::optional<Process> ProcessTable::read(std::int32_t process) const {
 
 std::vector<Process> ProcessTable::processes() const {
   std::vector<Process> processes;
-  const std::unique_ptr<DIR, CloseFolder> folder(opendir(root_.c_str()));
+  const FolderHandle folder = openFolder(root_);
   while (const dirent* item = folder ? readdir(folder.get()) : nullptr) {
     const auto number = numberOf<std::int32_t>(&item->d_name[0]);
     if (!number || *number <= 0) continue;
