@@ -127,19 +127,17 @@ std::optional<NSURL> VXPaths::computedDarwinUserCaches() const {
   return NSURL::fileURLWithPath(std::string_view(buffer.data(), length - 1), true);
 }
 
-std::optional<NSURL> VXPaths::appPreferences() const {
-  return cachedUnlocked(appPreferences_, [this] { return computedAppPreferences(); });
+NSURL VXPaths::appPreferences() const {
+  const auto compute = [this] { return std::optional(computedAppPreferences()); };
+  return cachedUnlocked(appPreferences_, compute).value();
 }
 
-std::optional<NSURL> VXPaths::computedAppPreferences() const {
+NSURL VXPaths::computedAppPreferences() const {
   const auto libraries =
       NSSearchPathForDirectoriesInDomains(NSLibraryDirectory, NSUserDomainMask, true, directories_);
-  if (libraries.empty()) {
-    GTMLogger::sharedLogger()->logDebug("Failed to get app preferences");
-    return std::nullopt;
-  }
+  if (libraries.empty()) GTMLogger::sharedLogger()->logDebug("Failed to get app preferences");
   const std::string name = text::format("/Preferences/%@.plist", mainBundle_.bundleIdentifier());
-  return NSURL::fileURLWithPath(libraries.front() + name, false);
+  return NSURL::fileURLWithPath(libraries.at(0) + name, false);
 }
 
 std::optional<std::string> VXPaths::applicationSupport() const {

@@ -46,8 +46,9 @@ class VXPaths {
   [[nodiscard]] static NSURL localPreferences();
   // The machine's, then the person's.
   [[nodiscard]] std::vector<NSURL> preferences() const;
-  // The file that holds this program's preferences; none without a library folder. Cached.
-  [[nodiscard]] std::optional<NSURL> appPreferences() const;
+  // The file that holds this program's preferences. Cached. Throws `std::out_of_range` where the
+  // search finds no library folder; ours always finds one.
+  [[nodiscard]] NSURL appPreferences() const;
 
   [[nodiscard]] NSURL userLogs() const;
   [[nodiscard]] static NSURL allUsersLogs();
@@ -120,7 +121,7 @@ class VXPaths {
   void store(Field<T>& field, Field<T> value);
 
   [[nodiscard]] NSURL inHome(std::string_view relativePath) const;
-  [[nodiscard]] std::optional<NSURL> computedAppPreferences() const;
+  [[nodiscard]] NSURL computedAppPreferences() const;
   [[nodiscard]] std::optional<NSURL> computedDarwinUserCaches() const;
 
   NSFileManager& files_;

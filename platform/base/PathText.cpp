@@ -7,11 +7,6 @@
 namespace vornix::text {
 namespace {
 
-std::string_view withoutTrailingSlashes(std::string_view path) {
-  while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
-  return path;
-}
-
 std::string_view lastComponent(std::string_view path) {
   path = withoutTrailingSlashes(path);
   if (path == "/") return path;
@@ -47,6 +42,11 @@ std::size_t extensionDot(std::string_view name) {
 }
 
 }  // namespace
+
+std::string_view withoutTrailingSlashes(std::string_view path) {
+  while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
+  return path;
+}
 
 std::string lastPathComponent(std::string_view path) {
   return std::string(lastComponent(path));

@@ -6,6 +6,8 @@
 // Operations on paths as texts: "/" is the only separator, nothing looks at the disk.
 namespace vornix::text {
 
+// A view into `path`; "/" stays, "//" becomes it.
+[[nodiscard]] std::string_view withoutTrailingSlashes(std::string_view path);
 // "/tmp/scratch.tiff" gives "scratch.tiff", "/" gives "/", "a/b/" gives "b".
 [[nodiscard]] std::string lastPathComponent(std::string_view path);
 // Without the dot; empty when there is none. A name's first character never starts one.

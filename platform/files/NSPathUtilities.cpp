@@ -24,11 +24,6 @@ std::string withTilde(std::string_view path, std::string_view home) {
   return (path.starts_with('/') ? "~" : "~/") + std::string(path);
 }
 
-std::string withoutTrailingSlashes(std::string_view path) {
-  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
-  return std::string(path);
-}
-
 // Takes "." and ".." out of an absolute path.
 class DotResolution {
  public:
@@ -108,7 +103,7 @@ std::vector<std::string> NSSearchPathForDirectoriesInDomains(
 
 std::string stringByExpandingTildeInPath(std::string_view self,
                                          const StandardDirectories& directories) {
-  if (!self.starts_with('~')) return withoutTrailingSlashes(self);
+  if (!self.starts_with('~')) return std::string(text::withoutTrailingSlashes(self));
   const std::string_view rest = self.substr(std::min(self.find('/'), self.size()));
   const std::string_view user = self.substr(1, self.size() - rest.size() - 1);
   const auto home = user.empty() ? std::optional(directories.homeDirectory())

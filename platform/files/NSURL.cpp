@@ -52,11 +52,6 @@ std::string_view pathPartOf(std::string_view url) {
   return url;
 }
 
-std::string withoutTrailingSlashes(std::string path) {
-  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
-  return path;
-}
-
 std::string absolute(std::string_view path, const NSFileManager& files) {
   if (path.starts_with('/')) return std::string(path);
   return text::appendingPathComponent(files.currentDirectoryPath(), path);
@@ -80,7 +75,7 @@ NSURL NSURL::fileURLWithPath(std::string_view path, const NSFileManager& files) 
 
 NSURL NSURL::fileURLWithPath(std::string_view path, bool isDirectory) {
   NSURL url;
-  url.path_ = withoutTrailingSlashes(absolute(path, NSFileManager::defaultManager()));
+  url.path_ = text::withoutTrailingSlashes(absolute(path, NSFileManager::defaultManager()));
   url.text_ = text::fileUrlWithPath(url.path_, isDirectory).value_or(std::string());
   url.isFileURL_ = true;
   url.hasDirectoryPath_ = url.text_.ends_with('/');
@@ -94,7 +89,7 @@ std::optional<NSURL> NSURL::URLWithString(std::string_view text) {
   if (path.find('\0') != std::string::npos) path.clear();
   NSURL url;
   url.text_ = text;
-  url.path_ = withoutTrailingSlashes(std::move(path));
+  url.path_ = text::withoutTrailingSlashes(path);
   url.isFileURL_ = text::asciiEqualIgnoringCase(schemeOf(text), "file");
   url.hasDirectoryPath_ = part.ends_with('/');
   return url;

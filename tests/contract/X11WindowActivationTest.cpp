@@ -2,19 +2,15 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 
 #include "platform/linux/desktop/applications/WindowActivation.h"
+#include "platform/linux/system/CMemory.h"
 #include "tests/support/VirtualDisplay.h"
 
 namespace vornix::desktop {
 namespace {
-
-struct Free {
-  void operator()(void* memory) const { free(memory); }
-};
 
 // A client with windows that at the same time plays the window manager.
 class WindowManager {
@@ -46,7 +42,7 @@ class WindowManager {
   // The next request that reaches the manager.
   xcb_client_message_event_t nextRequest() {
     while (true) {
-      const std::unique_ptr<xcb_generic_event_t, Free> event(xcb_wait_for_event(connection_));
+      const CMemory<xcb_generic_event_t> event(xcb_wait_for_event(connection_));
       xcb_client_message_event_t request{};
       if (event == nullptr) return request;
       if ((event->response_type & 0x7F) != XCB_CLIENT_MESSAGE) continue;
@@ -58,7 +54,7 @@ class WindowManager {
   xcb_atom_t atom(const std::string& name) {
     const auto cookie =
         xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(
+    const CMemory<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(connection_, cookie, nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
   }

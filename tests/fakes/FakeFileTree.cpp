@@ -18,11 +18,6 @@ std::string parentOf(const std::string& resolved) {
   return resolved.substr(0, resolved.rfind('/'));
 }
 
-std::string_view withoutTrailingSlashes(std::string_view path) {
-  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
-  return path;
-}
-
 void putInFront(std::deque<std::string>& steps, const std::string& path) {
   const auto first = text::split(path, "/");
   steps.insert(steps.begin(), first.begin(), first.end());
@@ -121,7 +116,7 @@ int FakeFileTree::make(std::string_view path, const Item& item) {
   const int error = locate(path, false, resolved);
   if (error == 0) return EEXIST;
   if (error != ENOENT) return error;
-  if (item.type == FileType::directory) path = withoutTrailingSlashes(path);
+  if (item.type == FileType::directory) path = text::withoutTrailingSlashes(path);
   const auto slash = path.rfind('/');
   const std::string folder(slash == std::string_view::npos ? "." : path.substr(0, slash + 1));
   const std::string name(path.substr(slash == std::string_view::npos ? 0 : slash + 1));
@@ -135,7 +130,7 @@ int FakeFileTree::make(std::string_view path, const Item& item) {
 }
 
 int FakeFileTree::remove(std::string_view path) {
-  const std::string_view item = withoutTrailingSlashes(path);
+  const std::string_view item = text::withoutTrailingSlashes(path);
   const std::string name = text::lastPathComponent(item);
   if (name == "/") return EBUSY;
   if (name == "." || name == "..") return EINVAL;

@@ -79,8 +79,8 @@ BusReply SessionBus::call(const BusMethod& method, const Writer& write) {
   }
   sd_bus_error error{};
   sd_bus_message* answer = nullptr;
-  const int result = sdBus().sd_bus_call(state_->bus(), message.get(), timeoutOf(method.timeout),
-                                         &error, &answer);
+  const int result =
+      sdBus().sd_bus_call(state_->bus(), message.get(), timeoutOf(method.timeout), &error, &answer);
   if (result < 0) {
     reply.error = describe(error, -result);
     sdBus().sd_bus_error_free(&error);

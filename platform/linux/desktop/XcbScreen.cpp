@@ -1,27 +1,20 @@
 #include "platform/linux/desktop/XcbScreen.h"
 
-#include <cstdlib>
 #include <exception>
 #include <future>
-#include <memory>
 #include <thread>
 #include <utility>
 
 #include "platform/linux/desktop/XcbLibrary.h"
+#include "platform/linux/system/CMemory.h"
 
 namespace vornix {
 namespace {
 
-struct Release {
-  // Replies are the caller's to free.
-  void operator()(void* reply) const { std::free(reply); }  // NOLINT(cppcoreguidelines-no-malloc)
-};
+// Replies are the caller's to free.
 template <typename T>
-using Reply = std::unique_ptr<T, Release>;
-
-template <typename T>
-Reply<T> owned(T* reply) {
-  return Reply<T>(reply);
+CMemory<T> owned(T* reply) {
+  return CMemory<T>(reply);
 }
 
 class Display {

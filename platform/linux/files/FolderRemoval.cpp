@@ -1,26 +1,21 @@
 #include "platform/linux/files/FolderRemoval.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <memory>
 #include <utility>
 #include <vector>
 
 #include "platform/base/PathText.h"
 #include "platform/linux/system/FileDescriptor.h"
+#include "platform/linux/system/FolderHandle.h"
 
 namespace vornix {
 namespace {
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-struct FolderClose {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
 
 int resultOf(int answer) {
   return answer == 0 ? 0 : errno;
@@ -29,7 +24,7 @@ int resultOf(int answer) {
 int namesIn(int folder, std::vector<std::string>& names) {
   const int copy = fcntl(folder, F_DUPFD_CLOEXEC, 0);
   if (copy < 0) return errno;
-  const std::unique_ptr<DIR, FolderClose> stream(fdopendir(copy));
+  const FolderHandle stream(fdopendir(copy));
   if (!stream) {
     const int error = errno;
     close(copy);

@@ -3,21 +3,17 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "platform/files/FileSystem.h"
 #include "platform/linux/files/FolderRemoval.h"
+#include "platform/linux/system/CMemory.h"
 #include "platform/linux/system/FileDescriptor.h"
 
 namespace vornix {
 namespace {
-
-struct Free {
-  void operator()(char* text) const { std::free(text); }  // NOLINT(cppcoreguidelines-no-malloc)
-};
 
 // None, with `errno` set, where the system would see less than the whole path.
 std::optional<std::string> nameOf(std::string_view path) {
@@ -92,7 +88,7 @@ class LinuxFileSystem final : public FileSystem {
   }
 
   [[nodiscard]] std::string currentFolder() const override {
-    const std::unique_ptr<char, Free> path(get_current_dir_name());
+    const CMemory<char> path(get_current_dir_name());
     return path && *path == '/' ? path.get() : "/";
   }
 };

@@ -17,11 +17,6 @@ namespace {
 
 constexpr std::size_t kLargestUserDirectoriesFile = std::size_t{1} << 20U;
 
-std::string withoutTrailingSlashes(std::string path) {
-  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
-  return path;
-}
-
 }  // namespace
 
 std::string LinuxStandardDirectories::homeDirectory() const {
@@ -33,7 +28,7 @@ std::optional<std::string> LinuxStandardDirectories::homeDirectoryForUser(
   const bool canBeName = !user.empty() && user.find('\0') == std::string_view::npos;
   auto account = canBeName ? accountNamed(std::string(user)) : std::nullopt;
   if (!account || !account->home.starts_with('/')) return std::nullopt;
-  return withoutTrailingSlashes(std::move(account->home));
+  return std::string(text::withoutTrailingSlashes(account->home));
 }
 
 std::string LinuxStandardDirectories::temporaryDirectory() const {
@@ -77,7 +72,7 @@ std::size_t LinuxStandardDirectories::confstr(int name, std::span<char> buffer) 
 std::optional<std::string> LinuxStandardDirectories::absoluteVariable(std::string_view name) const {
   auto value = process_.environment(name);
   if (!value || !value->starts_with('/')) return std::nullopt;
-  return withoutTrailingSlashes(*std::move(value));
+  return std::string(text::withoutTrailingSlashes(*value));
 }
 
 std::string LinuxStandardDirectories::baseDirectory(std::string_view variable,

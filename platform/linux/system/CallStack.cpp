@@ -6,11 +6,10 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 
 #include "platform/base/Format.h"
+#include "platform/linux/system/CMemory.h"
 
 namespace vornix {
 namespace {
@@ -37,8 +36,7 @@ class Addresses {
 
 std::string demangled(const char* name) {
   int status = 0;
-  const std::unique_ptr<char, void (*)(void*)> readable(
-      abi::__cxa_demangle(name, nullptr, nullptr, &status), std::free);
+  const CMemory<char> readable(abi::__cxa_demangle(name, nullptr, nullptr, &status));
   return readable ? readable.get() : name;
 }
 

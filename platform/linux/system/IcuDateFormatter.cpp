@@ -6,12 +6,9 @@
 #include "platform/base/Utf16.h"
 #include "platform/base/Utf8.h"
 #include "platform/linux/system/DatePattern.h"
+#include "platform/linux/system/IcuName.h"
 #include "platform/linux/system/LocaleDates.h"
 #include "platform/linux/system/SharedLibrary.h"
-
-// ICU's functions carry its version in their names, which the headers add by macros.
-#define VORNIX_TEXT_OF(name) #name
-#define VORNIX_NAME_OF(function) VORNIX_TEXT_OF(function)
 
 namespace vornix {
 namespace {
@@ -24,9 +21,9 @@ struct Icu {
   static std::optional<Icu> load(std::string* why) {
     const auto library = SharedLibrary::open("libicui18n.so." U_ICU_VERSION_SHORT, why);
     Icu icu;
-    if (library && library->bind(icu.open, VORNIX_NAME_OF(udat_open), why) &&
-        library->bind(icu.format, VORNIX_NAME_OF(udat_format), why) &&
-        library->bind(icu.close, VORNIX_NAME_OF(udat_close), why)) {
+    if (library && library->bind(icu.open, VORNIX_ICU_NAME(udat_open), why) &&
+        library->bind(icu.format, VORNIX_ICU_NAME(udat_format), why) &&
+        library->bind(icu.close, VORNIX_ICU_NAME(udat_close), why)) {
       return icu;
     }
     return std::nullopt;

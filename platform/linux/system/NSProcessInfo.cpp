@@ -68,11 +68,6 @@ std::string findExecutable() {
   return withoutDeletedMark(linkTarget("/proc/self/exe"));
 }
 
-std::string withoutTrailingSlashes(std::string path) {
-  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
-  return path;
-}
-
 // "6.1.0-18-amd64" gives 6, 1 and 0.
 OperatingSystemVersion parseRelease(std::string_view release) {
   std::array<int, 3> numbers{};
@@ -112,7 +107,7 @@ class LinuxProcessInfo final : public NSProcessInfo {
       const auto account = accountOfUser(::getuid());
       home = account && account->home.starts_with('/') ? account->home : "/";
     }
-    return withoutTrailingSlashes(std::move(home));
+    return std::string(text::withoutTrailingSlashes(home));
   }
 
   [[nodiscard]] OperatingSystemVersion operatingSystemVersion() const override {

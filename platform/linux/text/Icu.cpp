@@ -3,11 +3,8 @@
 #include <string_view>
 
 #include "platform/base/Diagnostics.h"
+#include "platform/linux/system/IcuName.h"
 #include "platform/linux/system/SharedLibrary.h"
-
-// ICU's functions carry its version in their names, which the headers add by macros.
-#define VORNIX_TEXT_OF(name) #name
-#define VORNIX_NAME_OF(function) VORNIX_TEXT_OF(function)
 
 namespace vornix {
 namespace {
@@ -33,15 +30,15 @@ std::optional<IcuCharacters> IcuCharacters::load(const char* soname, std::string
   IcuCharacters icu;
   decltype(&unorm2_getNFDInstance) normalizer = nullptr;
   const bool bound =
-      library->bind(icu.openCaseMap, VORNIX_NAME_OF(ucasemap_open), why) &&
-      library->bind(icu.closeCaseMap, VORNIX_NAME_OF(ucasemap_close), why) &&
-      library->bind(icu.toLower, VORNIX_NAME_OF(ucasemap_utf8ToLower), why) &&
-      library->bind(icu.toTitle, VORNIX_NAME_OF(ucasemap_toTitle), why) &&
-      library->bind(icu.foldString, VORNIX_NAME_OF(u_strFoldCase), why) &&
-      library->bind(icu.decomposition, VORNIX_NAME_OF(unorm2_getDecomposition), why) &&
-      library->bind(icu.combiningClass, VORNIX_NAME_OF(unorm2_getCombiningClass), why) &&
-      library->bind(icu.category, VORNIX_NAME_OF(u_charType), why) &&
-      library->bind(normalizer, VORNIX_NAME_OF(unorm2_getNFDInstance), why);
+      library->bind(icu.openCaseMap, VORNIX_ICU_NAME(ucasemap_open), why) &&
+      library->bind(icu.closeCaseMap, VORNIX_ICU_NAME(ucasemap_close), why) &&
+      library->bind(icu.toLower, VORNIX_ICU_NAME(ucasemap_utf8ToLower), why) &&
+      library->bind(icu.toTitle, VORNIX_ICU_NAME(ucasemap_toTitle), why) &&
+      library->bind(icu.foldString, VORNIX_ICU_NAME(u_strFoldCase), why) &&
+      library->bind(icu.decomposition, VORNIX_ICU_NAME(unorm2_getDecomposition), why) &&
+      library->bind(icu.combiningClass, VORNIX_ICU_NAME(unorm2_getCombiningClass), why) &&
+      library->bind(icu.category, VORNIX_ICU_NAME(u_charType), why) &&
+      library->bind(normalizer, VORNIX_ICU_NAME(unorm2_getNFDInstance), why);
   if (!bound) return std::nullopt;
   UErrorCode error = U_ZERO_ERROR;
   icu.normalizer = normalizer(&error);
@@ -61,16 +58,16 @@ std::optional<IcuExpressions> IcuExpressions::load(const char* soname, std::stri
   const auto library = SharedLibrary::open(soname, why);
   IcuExpressions icu;
   const bool bound =
-      library && library->bind(icu.open, VORNIX_NAME_OF(uregex_open), why) &&
-      library->bind(icu.clone, VORNIX_NAME_OF(uregex_clone), why) &&
-      library->bind(icu.close, VORNIX_NAME_OF(uregex_close), why) &&
-      library->bind(icu.setText, VORNIX_NAME_OF(uregex_setText), why) &&
-      library->bind(icu.setRegion, VORNIX_NAME_OF(uregex_setRegion), why) &&
-      library->bind(icu.useAnchoringBounds, VORNIX_NAME_OF(uregex_useAnchoringBounds), why) &&
-      library->bind(icu.useTransparentBounds, VORNIX_NAME_OF(uregex_useTransparentBounds), why) &&
-      library->bind(icu.find, VORNIX_NAME_OF(uregex_find), why) &&
-      library->bind(icu.start, VORNIX_NAME_OF(uregex_start), why) &&
-      library->bind(icu.end, VORNIX_NAME_OF(uregex_end), why);
+      library && library->bind(icu.open, VORNIX_ICU_NAME(uregex_open), why) &&
+      library->bind(icu.clone, VORNIX_ICU_NAME(uregex_clone), why) &&
+      library->bind(icu.close, VORNIX_ICU_NAME(uregex_close), why) &&
+      library->bind(icu.setText, VORNIX_ICU_NAME(uregex_setText), why) &&
+      library->bind(icu.setRegion, VORNIX_ICU_NAME(uregex_setRegion), why) &&
+      library->bind(icu.useAnchoringBounds, VORNIX_ICU_NAME(uregex_useAnchoringBounds), why) &&
+      library->bind(icu.useTransparentBounds, VORNIX_ICU_NAME(uregex_useTransparentBounds), why) &&
+      library->bind(icu.find, VORNIX_ICU_NAME(uregex_find), why) &&
+      library->bind(icu.start, VORNIX_ICU_NAME(uregex_start), why) &&
+      library->bind(icu.end, VORNIX_ICU_NAME(uregex_end), why);
   return bound ? std::optional(icu) : std::nullopt;
 }
 

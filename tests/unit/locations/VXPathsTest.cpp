@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -218,9 +219,7 @@ TEST_F(VXPathsTest, ReturnsInjectedValuesUnchangedAndComputesNothing) {
 
 TEST_F(VXPathsTest, NamesThePreferencesFileAfterTheMainBundle) {
   for (int call = 0; call < 3; ++call) {
-    const auto url = paths.appPreferences();
-    ASSERT_TRUE(url.has_value());
-    EXPECT_EQ(url->absoluteString(),
+    EXPECT_EQ(paths.appPreferences().absoluteString(),
               "file:///home/ada/Library/Preferences/com.example.program.plist");
   }
   EXPECT_EQ(machine.directories.searches(NSLibraryDirectory, NSUserDomainMask), 1);
@@ -228,17 +227,17 @@ TEST_F(VXPathsTest, NamesThePreferencesFileAfterTheMainBundle) {
 
 TEST_F(VXPathsTest, TakesTheFirstLibraryForThePreferencesFile) {
   found(NSLibraryDirectory, NSUserDomainMask) = {"/first", "/second"};
-  EXPECT_EQ(paths.appPreferences()->path(), "/first/Preferences/com.example.program.plist");
+  EXPECT_EQ(paths.appPreferences().path(), "/first/Preferences/com.example.program.plist");
 }
 
 TEST_F(VXPathsTest, LogsThatThereIsNoLibraryForThePreferencesFileAndLooksAgain) {
   found(NSLibraryDirectory, NSUserDomainMask).clear();
-  EXPECT_EQ(paths.appPreferences(), std::nullopt);
-  EXPECT_EQ(paths.appPreferences(), std::nullopt);
+  EXPECT_THROW((void)paths.appPreferences(), std::out_of_range);
+  EXPECT_THROW((void)paths.appPreferences(), std::out_of_range);
   EXPECT_THAT(logger_.messages(LogLevelDebug),
               ElementsAre("Failed to get app preferences", "Failed to get app preferences"));
   found(NSLibraryDirectory, NSUserDomainMask) = {"/late"};
-  EXPECT_EQ(paths.appPreferences()->path(), "/late/Preferences/com.example.program.plist");
+  EXPECT_EQ(paths.appPreferences().path(), "/late/Preferences/com.example.program.plist");
 }
 
 TEST_F(VXPathsTest, KnowsNoPerUserCachesWhereTheSystemHasNone) {
@@ -341,7 +340,7 @@ TEST(VXPathsSharedInstanceTest, IsOneForTheProcessAndStandsOnItsServices) {
   VXPaths& paths = VXPaths::sharedInstance();
   EXPECT_EQ(&paths, &VXPaths::sharedInstance());
   EXPECT_EQ(paths.userHome().path(), "/home/ada");
-  EXPECT_EQ(paths.appPreferences()->path(),
+  EXPECT_EQ(paths.appPreferences().path(),
             "/home/ada/Library/Preferences/com.example.program.plist");
 }
 

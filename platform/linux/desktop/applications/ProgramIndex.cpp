@@ -1,19 +1,11 @@
 #include "platform/linux/desktop/applications/ProgramIndex.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
+
+#include "platform/linux/system/ResolvedPath.h"
 
 namespace vornix::desktop {
 namespace {
-
-std::string resolved(const std::string& path) {
-  struct Free {
-    void operator()(char* text) const { free(text); }  // NOLINT(cppcoreguidelines-no-malloc)
-  };
-  const std::unique_ptr<char, Free> real(realpath(path.c_str(), nullptr));
-  return real ? std::string(real.get()) : std::string();
-}
 
 // An interpreter is started with its own options, at most one from the script's first line, and
 // then the script.
@@ -22,7 +14,8 @@ constexpr std::size_t kLastScriptPosition = 2;
 std::string scriptPath(const std::string& argument, const std::string& workingDirectory) {
   if (argument.empty() || argument.front() == '-') return {};
   const bool isAbsolute = argument.front() == '/';
-  return resolved(isAbsolute ? argument : workingDirectory + "/" + argument);
+  return resolvedPath(isAbsolute ? argument : workingDirectory + "/" + argument)
+      .value_or(std::string());
 }
 
 }  // namespace
@@ -33,7 +26,7 @@ ProgramIndex::ProgramIndex(const std::vector<DesktopEntry>& entries,
     CommandLine words = fixedWordsOfExec(entry.exec);
     if (entry.runsInTerminal || words.empty()) continue;
     const auto path = programs.find(words.front());
-    const std::string program = path ? resolved(*path) : std::string();
+    const std::string program = path ? resolvedPath(*path).value_or(std::string()) : std::string();
     if (program.empty()) continue;
     words.erase(words.begin());
     programs_[program].push_back({entry.identifier, std::move(words)});

@@ -1,7 +1,6 @@
 #include <xcb/xcb.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -10,6 +9,7 @@
 #include "platform/base/Diagnostics.h"
 #include "platform/base/Text.h"
 #include "platform/linux/desktop/applications/WindowActivation.h"
+#include "platform/linux/system/CMemory.h"
 #include "platform/linux/system/SharedLibrary.h"
 
 namespace vornix::desktop {
@@ -53,12 +53,6 @@ std::optional<Xcb> loadXcb() {
   reportDiagnostic("windows cannot be brought to the front: " + why);
   return std::nullopt;
 }
-
-struct Free {
-  void operator()(void* reply) const { free(reply); }  // NOLINT(cppcoreguidelines-no-malloc)
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Free>;
 
 // What a request of an application launcher counts as; a window manager heeds it without asking
 // when the person last touched us.
@@ -117,16 +111,16 @@ class Display {
   [[nodiscard]] xcb_atom_t atom(std::string_view name) const {
     const auto cookie =
         xcb_.xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const Owned<xcb_intern_atom_reply_t> reply(
+    const CMemory<xcb_intern_atom_reply_t> reply(
         xcb_.xcb_intern_atom_reply(connection_, cookie, nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
   }
 
-  [[nodiscard]] Owned<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name,
-                                                         xcb_atom_t type,
-                                                         std::uint32_t words) const {
+  [[nodiscard]] CMemory<xcb_get_property_reply_t> property(xcb_window_t window, xcb_atom_t name,
+                                                           xcb_atom_t type,
+                                                           std::uint32_t words) const {
     const auto cookie = xcb_.xcb_get_property(connection_, 0, window, name, type, 0, words);
-    return Owned<xcb_get_property_reply_t>(
+    return CMemory<xcb_get_property_reply_t>(
         xcb_.xcb_get_property_reply(connection_, cookie, nullptr));
   }
 
