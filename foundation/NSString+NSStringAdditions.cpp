@@ -34,7 +34,25 @@ bool holdsAsciiPath(std::string_view self, std::string_view path) {
 }
 
 bool isDropped(char c) {
-  return std::string_view(" -_,.:;\n").find(c) != std::string_view::npos;
+  switch (c) {
+    case ' ':
+    case '-':
+    case '_':
+    case ',':
+    case '.':
+    case ':':
+    case ';':
+    case '\n':
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::string_view withoutLeadingAsciiDigits(std::string_view text) {
+  std::size_t digits = 0;
+  while (digits < text.size() && text[digits] >= '0' && text[digits] <= '9') ++digits;
+  return text.substr(digits);
 }
 
 }  // namespace
@@ -102,7 +120,7 @@ bool stringIsEmpty(std::optional<std::string_view> string) {
 
 bool isNumeric(std::string_view self) {
   const auto digits = NSCharacterSet::decimalDigitCharacterSet();
-  while (!self.empty()) {
+  for (self = withoutLeadingAsciiDigits(self); !self.empty();) {
     const auto character = decodeCharacter(self);
     if (!digits.characterIsMember(character)) return false;
     self.remove_prefix(character.length);
