@@ -11,7 +11,7 @@ namespace vornix {
 // The absolute path of an existing item, without links, "." and ".."; none, with `errno` set, when
 // there is no such item or it cannot be looked up.
 [[nodiscard]] inline std::optional<std::string> resolvedPath(const std::string& path) {
-  const CMemory<char> resolved(realpath(path.c_str(), nullptr));
+  const CMemory<char> resolved(canonicalize_file_name(path.c_str()));
   return resolved ? std::optional<std::string>(resolved.get()) : std::nullopt;
 }
 
