@@ -36,14 +36,24 @@ endif()
 # Builds of tests save time where they can. What is shipped, and clang-tidy, do without, and show
 # which file forgot to include what it needs.
 option(VORNIX_PRECOMPILE "Precompile the headers of the standard library" OFF)
-function(vornix_precompile name)
-  if(VORNIX_PRECOMPILE)
+
+# vornix_precompile(NAME KIND other headers): targets of one kind are compiled with the same options and
+# share what the first of them precompiled.
+function(vornix_precompile name kind)
+  if(NOT VORNIX_PRECOMPILE)
+    return()
+  endif()
+  get_property(first GLOBAL PROPERTY VORNIX_PRECOMPILED_BY_${kind})
+  if(first)
+    target_precompile_headers(${name} REUSE_FROM ${first})
+  else()
     target_precompile_headers(${name} PRIVATE <algorithm> <functional> <map> <memory> <mutex>
       <optional> <string> <string_view> <variant> <vector> ${ARGN})
-    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-      # Without it no compiler cache knows what the precompiled header held.
-      target_compile_options(${name} PRIVATE -fpch-preprocess)
-    endif()
+    set_property(GLOBAL PROPERTY VORNIX_PRECOMPILED_BY_${kind} ${name})
+  endif()
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Without it no compiler cache knows what the precompiled header held.
+    target_compile_options(${name} PRIVATE -fpch-preprocess)
   endif()
 endfunction()
 
@@ -78,7 +88,7 @@ function(vornix_library name)
   endif()
   set_target_properties(${name} PROPERTIES
     UNITY_BUILD ${VORNIX_JOIN_SOURCES} UNITY_BUILD_BATCH_SIZE 6)
-  vornix_precompile(${name})
+  vornix_precompile(${name} LIBRARY)
 endfunction()
 
 include(CheckLinkerFlag)
