@@ -60,6 +60,14 @@ endfunction()
 # Where nobody edits and builds again, sources are compiled some at a time: most of a compiler's work is
 # reading the same headers. Names in unnamed namespaces must differ within a folder for that.
 option(VORNIX_JOIN_SOURCES "Compile several sources of a library at once" OFF)
+function(vornix_join_sources name)
+  if(VORNIX_JOIN_SOURCES AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Seen from a joined source, an unnamed namespace looks like a header's.
+    target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
+  endif()
+  set_target_properties(${name} PROPERTIES
+    UNITY_BUILD ${VORNIX_JOIN_SOURCES} UNITY_BUILD_BATCH_SIZE 6)
+endfunction()
 
 # vornix_library(NAME DEPENDS other libraries): every source of the folder, one static library.
 # Headers carry the interface; folders named in EXCLUDE are somebody else's. OBJECTS makes it a bundle
@@ -82,12 +90,7 @@ function(vornix_library name)
   add_library(${name} ${kind} ${sources})
   target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE vornix_options)
   target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>")
-  if(VORNIX_JOIN_SOURCES AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # Seen from a joined source, an unnamed namespace looks like a header's.
-    target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
-  endif()
-  set_target_properties(${name} PROPERTIES
-    UNITY_BUILD ${VORNIX_JOIN_SOURCES} UNITY_BUILD_BATCH_SIZE 6)
+  vornix_join_sources(${name})
   vornix_precompile(${name} LIBRARY)
 endfunction()
 

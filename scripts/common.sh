@@ -87,7 +87,7 @@ packages_for() { # GROUP
       echo g++ cmake ninja-build pkg-config libplist-dev libsystemd-dev libcurl4-openssl-dev \
         libicu-dev libmd-dev libglib2.0-dev libxcb1-dev libxcb-randr0-dev libplist-utils
       ;;
-    dev-build) packages_for build; echo libgtest-dev libgmock-dev ;;
+    dev-build) packages_for build; echo libgtest-dev libgmock-dev mold ;;
     test)
       echo python3 python3-gi gir1.2-glib-2.0 dbus xvfb xfce4-notifyd xfconf \
         mate-notification-daemon dunst xdotool imagemagick fonts-dejavu-core nginx-light openssl \
