@@ -58,12 +58,9 @@ class AgentInterruption : public std::enable_shared_from_this<AgentInterruption>
   }
 
   void end() {
-    NSNotificationCenter::ObserverToken token;
-    {
-      const std::lock_guard lock(mutex_);
-      token.swap(token_);
-    }
-    NSNotificationCenter::defaultCenter().removeObserver(token);
+    // Whoever comes second returns when the first has removed the observer.
+    const std::lock_guard lock(mutex_);
+    NSNotificationCenter::defaultCenter().removeObserver(std::exchange(token_, {}));
   }
 
  private:

@@ -5,10 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -200,35 +201,45 @@ void logFromThreads(int process, const std::string& path) {
 // Whole lines only, those of each thread in their order; answers how many there are.
 class LineCheck {
  public:
-  [[nodiscard]] int count(const std::string& text) {
+  [[nodiscard]] int count(std::string_view text) {
     int lines = 0;
-    const char* line = text.c_str();
-    for (const char* end = nullptr; (end = std::strchr(line, '\n')) != nullptr; ++lines) {
-      if (!accepts(line, end)) {
-        ADD_FAILURE() << std::string(line, end);
+    for (auto end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+      if (!accepts(text.substr(0, end))) {
+        ADD_FAILURE() << text.substr(0, end);
         return -1;
       }
-      line = end + 1;
+      text.remove_prefix(end + 1);
+      ++lines;
     }
-    EXPECT_EQ(line, text.c_str() + text.size());
+    EXPECT_EQ(text, "");
     return lines;
   }
 
  private:
-  bool accepts(const char* line, const char* end) {
-    static const std::string kMark = "] [lvl=1] (unknown) ";
-    const char* mark = std::strstr(line, kMark.c_str());
-    if (mark == nullptr || mark > end || line[4] != '-' || line[10] != ' ') return false;
-    char* rest = const_cast<char*>(mark + kMark.size());
-    const long process = std::strtol(rest, &rest, 10);
-    const long thread = std::strtol(rest, &rest, 10);
-    const long number = std::strtol(rest, &rest, 10);
+  bool accepts(std::string_view line) {
+    constexpr std::string_view kMark = "] [lvl=1] (unknown) ";
+    const auto mark = line.find(kMark);
+    if (mark == std::string_view::npos || line[4] != '-' || line[10] != ' ') return false;
+    line.remove_prefix(mark + kMark.size());
+    const int process = takeNumber(line);
+    const int thread = takeNumber(line);
+    const int number = takeNumber(line);
     const bool known = process >= 0 && process < kProcesses && thread >= 0 && thread < kThreads;
-    return known && std::string_view(rest, static_cast<std::size_t>(end - rest)) == " ." &&
+    return known && line == "." &&
            number == next_.at(static_cast<std::size_t>(process * kThreads + thread))++;
   }
 
-  std::array<long, kProcesses * kThreads> next_{};
+  // With the space behind it; -1 for anything else.
+  static int takeNumber(std::string_view& line) {
+    if (line.empty()) return -1;
+    int number = -1;
+    const auto end = std::min(line.find(' '), line.size() - 1);
+    if (std::from_chars(line.data(), line.data() + end, number).ptr != line.data() + end) return -1;
+    line.remove_prefix(end + 1);
+    return number;
+  }
+
+  std::array<int, kProcesses * kThreads> next_{};
 };
 
 TEST_F(FamilyLog, KeepsAMillionLinesOfTheThreadsOfTwoProgramsWholeAndInOrder) {
