@@ -7,8 +7,10 @@
 
 namespace vornix::tests {
 
-ScratchFolder::ScratchFolder() {
-  std::string pattern = std::filesystem::temp_directory_path() / "vornix-test-XXXXXX";
+ScratchFolder::ScratchFolder() : ScratchFolder(std::filesystem::temp_directory_path()) {}
+
+ScratchFolder::ScratchFolder(const std::string& parent) {
+  std::string pattern = parent + "/vornix-test-XXXXXX";
   if (mkdtemp(pattern.data()) == nullptr) {
     throw std::runtime_error("cannot make " + pattern);
   }

@@ -5,10 +5,12 @@
 
 namespace vornix::tests {
 
-// A folder of the test's own in the temporary folder, removed with everything in it at the end.
+// A folder of the test's own, in the temporary folder or another, removed with everything in it at
+// the end.
 class ScratchFolder {
  public:
   ScratchFolder();
+  explicit ScratchFolder(const std::string& parent);
   ~ScratchFolder();
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
