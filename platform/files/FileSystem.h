@@ -1,8 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "platform/files/FileHierarchy.h"
 
 namespace vornix {
 
@@ -24,6 +28,13 @@ struct FileStatus {
   bool isOwn = false;
 };
 
+// What a folder holds.
+struct FolderItem {
+  std::string name{};
+  // A link to a folder is none.
+  bool isFolder = false;
+};
+
 // What can be done to the items of a file system. Paths are bytes, relative ones start at the
 // current folder; an empty path and one with a zero byte name nothing. Operations answer 0, or the
 // system's error number (as <cerrno> names it) and have then left their results alone. Any thread.
@@ -35,6 +46,13 @@ class FileSystem {
                                    FileStatus& status) const = 0;
   // The text of a link, as it stands; EINVAL for anything else.
   [[nodiscard]] virtual int readLink(std::string_view path, std::string& target) const = 0;
+  // What the folder at the path, or at the end of a link there, holds now, in its own order.
+  // ENOTDIR for anything else.
+  [[nodiscard]] virtual int list(std::string_view path, std::vector<FolderItem>& items) const = 0;
+  // A walk from the path. Only the empty path and too little memory make it fail; a path that leads
+  // nowhere is a walk with one entry, `noStatus`.
+  [[nodiscard]] virtual int openHierarchy(std::string_view path, HierarchyOptions options,
+                                          std::unique_ptr<FileHierarchy>& hierarchy) const = 0;
   // In a folder that exists; the process's mask is taken from the permissions. EEXIST for whatever
   // stands there already, links that lead nowhere included.
   [[nodiscard]] virtual int makeFolder(std::string_view path, std::uint32_t permissions) = 0;

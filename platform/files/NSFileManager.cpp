@@ -93,6 +93,59 @@ std::optional<std::string> NSFileManager::destinationOfSymbolicLinkAtPath(
   return target;
 }
 
+std::optional<std::vector<std::string>> NSFileManager::contentsOfDirectoryAtPath(
+    std::string_view path, std::optional<NSError>* error) const {
+  std::vector<FolderItem> items;
+  const int number = fileSystem_.list(path, items);
+  if (!succeeded(number, readingCode, path, error)) return std::nullopt;
+  std::vector<std::string> names;
+  names.reserve(items.size());
+  for (FolderItem& item : items) names.push_back(std::move(item.name));
+  return names;
+}
+
+std::optional<std::vector<NSURL>> NSFileManager::contentsOfDirectoryAtURL(
+    const NSURL& url, std::uint32_t options, std::optional<NSError>* error) const {
+  if (!url.isFileURL()) {
+    (void)url.checkResourceIsReachableAndReturnError(*this, error);
+    return std::nullopt;
+  }
+  std::vector<FolderItem> items;
+  const int number = fileSystem_.list(url.path(), items);
+  if (!succeeded(number, readingCode, url.path(), error)) return std::nullopt;
+  std::vector<NSURL> urls;
+  urls.reserve(items.size());
+  for (const FolderItem& item : items) {
+    if (!NSDirectoryEnumerator::leavesOut(item.name, options))
+      urls.push_back(url.URLByAppendingPathComponent(item.name, item.isFolder));
+  }
+  return urls;
+}
+
+NSDirectoryEnumerator NSFileManager::enumeratorAtPath(std::string_view path) const {
+  return enumerator(path, 0);
+}
+
+NSDirectoryEnumerator NSFileManager::enumeratorAtURL(const NSURL& url,
+                                                     std::uint32_t options) const {
+  return enumerator(url.isFileURL() ? url.path() : std::string_view(), options);
+}
+
+NSDirectoryEnumerator NSFileManager::enumerator(std::string_view path,
+                                                std::uint32_t options) const {
+  std::string folder(path);
+  // So that a link is followed.
+  if (!folder.empty() && !folder.ends_with('/')) folder += '/';
+  auto hierarchy = hierarchyAtPath(folder, {.noStatus = true});
+  return {std::move(hierarchy), std::move(folder), options};
+}
+
+std::unique_ptr<FileHierarchy> NSFileManager::hierarchyAtPath(std::string_view path,
+                                                              HierarchyOptions options) const {
+  std::unique_ptr<FileHierarchy> hierarchy;
+  return fileSystem_.openHierarchy(path, options, hierarchy) == 0 ? std::move(hierarchy) : nullptr;
+}
+
 bool NSFileManager::createDirectoryAtPath(std::string_view path, bool withIntermediateDirectories,
                                           std::optional<NSError>* error) {
   return createDirectoryAtPath(path, withIntermediateDirectories, kAllPermissions, error);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,6 +9,7 @@
 
 #include "platform/base/NSError.h"
 #include "platform/files/FileSystem.h"
+#include "platform/files/NSDirectoryEnumerator.h"
 #include "platform/files/NSURL.h"
 #include "platform/files/StandardDirectories.h"
 
@@ -51,6 +53,22 @@ class NSFileManager {
   [[nodiscard]] std::optional<std::string> destinationOfSymbolicLinkAtPath(
       std::string_view path, std::optional<NSError>* error = nullptr) const;
 
+  // The names of what a folder, or the folder that a link leads to, holds: hidden ones, too, but
+  // neither "." nor "..", in no particular order.
+  [[nodiscard]] std::optional<std::vector<std::string>> contentsOfDirectoryAtPath(
+      std::string_view path, std::optional<NSError>* error = nullptr) const;
+  // The same as URLs. An option leaves out the hidden ones.
+  [[nodiscard]] std::optional<std::vector<NSURL>> contentsOfDirectoryAtURL(
+      const NSURL& url, std::uint32_t options = 0, std::optional<NSError>* error = nullptr) const;
+  // All that is below a folder, or below the folder that a link leads to. Nothing for anything
+  // else. The manager's file system must outlive the enumerator.
+  [[nodiscard]] NSDirectoryEnumerator enumeratorAtPath(std::string_view path) const;
+  [[nodiscard]] NSDirectoryEnumerator enumeratorAtURL(const NSURL& url,
+                                                      std::uint32_t options = 0) const;
+  // A walk that tells more; null for the empty path. The manager's file system must outlive it.
+  [[nodiscard]] std::unique_ptr<FileHierarchy> hierarchyAtPath(std::string_view path,
+                                                               HierarchyOptions options) const;
+
   // A folder that exists counts as made only with `withIntermediateDirectories`, which makes the
   // folders above, too. New folders have the permissions asked for, else all, and folders above
   // all, less the process's mask.
@@ -71,6 +89,8 @@ class NSFileManager {
   [[nodiscard]] const StandardDirectories& standardDirectories() const { return directories_; }
 
  private:
+  [[nodiscard]] NSDirectoryEnumerator enumerator(std::string_view path,
+                                                 std::uint32_t options) const;
   int makeFolderWithParents(std::string_view path, std::uint32_t permissions);
 
   FileSystem& fileSystem_;

@@ -6,6 +6,7 @@
 
 #include "platform/base/PathText.h"
 #include "platform/base/Text.h"
+#include "tests/fakes/FakeFileHierarchy.h"
 
 namespace vornix::fakes {
 namespace {
@@ -38,7 +39,7 @@ void FakeFileTree::addLink(const std::string& path, const std::string& target) {
 }
 
 void FakeFileTree::mountAt(const std::string& path) {
-  mounts_.insert(path);
+  mounts_[path] = path;
 }
 
 void FakeFileTree::bind(const std::string& source, const std::string& path) {
@@ -49,7 +50,7 @@ void FakeFileTree::bind(const std::string& source, const std::string& path) {
   }
   std::erase_if(items_, [&](const auto& each) { return each.first.starts_with(path + "/"); });
   for (const auto& [name, item] : copies) items_[name] = item;
-  mountAt(path);
+  mounts_[path] = deviceOf(source);
 }
 
 void FakeFileTree::clear() {
@@ -58,6 +59,10 @@ void FakeFileTree::clear() {
 
 void FakeFileTree::refuseChangesIn(const std::string& path, int error) {
   refusals_[path] = error;
+}
+
+void FakeFileTree::refuseReading(const std::string& path, int error) {
+  readingRefusals_[path] = error;
 }
 
 void FakeFileTree::disown(const std::string& path) {
@@ -109,6 +114,25 @@ FakeFileTree::Item FakeFileTree::itemAt(const std::string& resolved) const {
 bool FakeFileTree::isFolder(const std::string& resolved) const {
   const auto found = items_.find(resolved);
   return resolved.empty() || (found != items_.end() && found->second.type == FileType::directory);
+}
+
+int FakeFileTree::list(const std::string& resolved, std::vector<std::string>& names) const {
+  if (!isFolder(resolved)) return ENOTDIR;
+  const auto refused = readingRefusals_.find(resolved);
+  if (refused != readingRefusals_.end()) return refused->second;
+  const std::string start = resolved + "/";
+  for (auto each = items_.lower_bound(start); each != items_.end(); ++each) {
+    if (!each->first.starts_with(start)) break;
+    std::string name = each->first.substr(start.size());
+    if (name.find('/') == std::string::npos) names.push_back(std::move(name));
+  }
+  return 0;
+}
+
+std::string FakeFileTree::deviceOf(const std::string& resolved) const {
+  std::string at = resolved;
+  while (!isMountPoint(at)) at = parentOf(at);
+  return at.empty() ? at : mounts_.at(at);
 }
 
 int FakeFileTree::make(std::string_view path, const Item& item) {
@@ -180,6 +204,25 @@ int FakeFileSystem::readLink(std::string_view path, std::string& target) const {
   const auto item = tree_.itemAt(resolved);
   if (item.type != FileType::symbolicLink) return EINVAL;
   target = item.target;
+  return 0;
+}
+
+int FakeFileSystem::list(std::string_view path, std::vector<FolderItem>& items) const {
+  const std::lock_guard lock(mutex_);
+  std::string resolved;
+  std::vector<std::string> names;
+  if (const int error = tree_.locate(path, true, resolved)) return error;
+  if (const int error = tree_.list(resolved, names)) return error;
+  items.clear();
+  for (const std::string& name : names)
+    items.push_back({.name = name, .isFolder = tree_.isFolder(resolved + "/" + name)});
+  return 0;
+}
+
+int FakeFileSystem::openHierarchy(std::string_view path, HierarchyOptions options,
+                                  std::unique_ptr<FileHierarchy>& hierarchy) const {
+  if (path.empty()) return ENOENT;
+  hierarchy = std::make_unique<FakeFileHierarchy>(tree_, path, options);
   return 0;
 }
 

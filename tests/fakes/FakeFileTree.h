@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/files/FileSystem.h"
 #include "platform/files/NSFileManager.h"
@@ -21,6 +22,10 @@ class FakeFileTree {
  public:
   // Where relative paths start.
   std::string currentFolder = "/";
+  // A walk that comes to this item cannot go on.
+  std::string walkBreaker;
+  // What closing a walk throws, if it does.
+  std::string closingFault;
 
   // Absolute paths without links; the folders on the way are made.
   void addFolder(const std::string& path);
@@ -34,6 +39,8 @@ class FakeFileTree {
 
   // From now on nothing can be made or removed in this folder, for that error number.
   void refuseChangesIn(const std::string& path, int error);
+  // From now on what this folder holds cannot be read, for that error number.
+  void refuseReading(const std::string& path, int error);
   // What stands there belongs to somebody else.
   void disown(const std::string& path);
 
@@ -52,6 +59,10 @@ class FakeFileTree {
   [[nodiscard]] Item itemAt(const std::string& resolved) const;
   [[nodiscard]] bool isFolder(const std::string& resolved) const;
   [[nodiscard]] bool isMountPoint(const std::string& resolved) const;
+  // The names of what such a folder holds; answers 0 or an error number.
+  [[nodiscard]] int list(const std::string& resolved, std::vector<std::string>& names) const;
+  // The mount point of the volume with this item, or of the one that was bound there.
+  [[nodiscard]] std::string deviceOf(const std::string& resolved) const;
   // A new item, and the end of one with all below it. Answer 0 or an error number.
   int make(std::string_view path, const Item& item);
   int remove(std::string_view path);
@@ -62,17 +73,23 @@ class FakeFileTree {
 
   std::map<std::string, Item, std::less<>> items_;
   std::map<std::string, int, std::less<>> refusals_;
-  std::set<std::string, std::less<>> mounts_;
+  std::map<std::string, int, std::less<>> readingRefusals_;
+  // Each with its device.
+  std::map<std::string, std::string, std::less<>> mounts_;
 };
 
 // Permissions are kept and told, but hinder nobody, and no mask is taken from them.
-class FakeFileSystem final : public FileSystem {
+class FakeFileSystem : public FileSystem {
  public:
   explicit FakeFileSystem(FakeFileTree& tree) : tree_(tree) {}
 
   [[nodiscard]] int status(std::string_view path, bool followsLinks,
                            FileStatus& status) const override;
   [[nodiscard]] int readLink(std::string_view path, std::string& target) const override;
+  [[nodiscard]] int list(std::string_view path, std::vector<FolderItem>& items) const override;
+  // The tree must outlive the walk, and not change meanwhile.
+  [[nodiscard]] int openHierarchy(std::string_view path, HierarchyOptions options,
+                                  std::unique_ptr<FileHierarchy>& hierarchy) const override;
   [[nodiscard]] int makeFolder(std::string_view path, std::uint32_t permissions) override;
   [[nodiscard]] int makeFile(std::string_view path) override;
   [[nodiscard]] int remove(std::string_view path) override;

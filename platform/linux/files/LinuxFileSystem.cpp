@@ -9,8 +9,10 @@
 
 #include "platform/files/FileSystem.h"
 #include "platform/linux/files/FolderRemoval.h"
+#include "platform/linux/files/hierarchy/LinuxFileHierarchy.h"
 #include "platform/linux/system/CMemory.h"
 #include "platform/linux/system/FileDescriptor.h"
+#include "platform/linux/system/FolderHandle.h"
 
 namespace vornix {
 namespace {
@@ -41,6 +43,29 @@ FileType typeOf(mode_t mode) {
   }
 }
 
+bool isFolder(DIR* folder, const dirent& item) {
+  if (item.d_type != DT_UNKNOWN) return item.d_type == DT_DIR;
+  struct stat found {};
+  return fstatat(dirfd(folder), item.d_name, &found, AT_SYMLINK_NOFOLLOW) == 0 &&
+         S_ISDIR(found.st_mode);
+}
+
+int listFolder(const std::string& path, std::vector<FolderItem>& items) {
+  const FolderHandle folder = openFolder(path);
+  if (!folder) return errno;
+  std::vector<FolderItem> found;
+  errno = 0;
+  while (const dirent* item = readdir(folder.get())) {
+    const std::string_view name = item->d_name;
+    if (name != "." && name != "..")
+      found.push_back({.name = std::string(name), .isFolder = isFolder(folder.get(), *item)});
+    errno = 0;
+  }
+  if (errno != 0) return errno;
+  items = std::move(found);
+  return 0;
+}
+
 class LinuxFileSystem final : public FileSystem {
  public:
   [[nodiscard]] int status(std::string_view path, bool followsLinks,
@@ -68,6 +93,16 @@ class LinuxFileSystem final : public FileSystem {
     text.resize(static_cast<std::size_t>(length));
     target = std::move(text);
     return 0;
+  }
+
+  [[nodiscard]] int list(std::string_view path, std::vector<FolderItem>& items) const override {
+    const auto name = nameOf(path);
+    return name ? listFolder(*name, items) : errno;
+  }
+
+  [[nodiscard]] int openHierarchy(std::string_view path, HierarchyOptions options,
+                                  std::unique_ptr<FileHierarchy>& hierarchy) const override {
+    return openLinuxHierarchy(path, options, hierarchy);
   }
 
   [[nodiscard]] int makeFolder(std::string_view path, std::uint32_t permissions) override {

@@ -47,7 +47,7 @@ bool goApart() {
 
 }  // namespace
 
-LinuxFileWorld::LinuxFileWorld() : root_(std::filesystem::canonical(folder_.path())) {}
+LinuxFileWorld::LinuxFileWorld(const std::string& parent) : folder_(parent) {}
 
 void LinuxFileWorld::folder(const std::string& name) {
   std::filesystem::create_directories(path(name));
@@ -75,16 +75,34 @@ void LinuxFileWorld::bind(const std::string& source, const std::string& name) {
   attach(path(source), name, nullptr, MS_BIND);
 }
 
+void LinuxFileWorld::mountImage(const std::string& name, const std::string& options) {
+  folder(name + ".images");
+  mount(name + ".images");
+  const std::string image = path(name + ".images/image");
+  const std::string make = "mkfs.ext4 -q -F " + options + " " + image + " 16M";
+  const std::string attach = "mount -o loop " + image + " " + path(name);
+  // NOLINTNEXTLINE(cert-env33-c,concurrency-mt-unsafe): a test's own words, on one thread.
+  if (std::system((make + " && " + attach).c_str()) != 0) end(kMountsRefused);
+}
+
 void LinuxFileWorld::forbidChangesIn(const std::string& name) {
-  constexpr uid_t kNobody = 65534;
-  if (geteuid() == 0) {
-    // Nothing hinders root, so the story goes on as somebody else.
-    EXPECT_EQ(chown(root_.c_str(), kNobody, kNobody), 0);
-    for (const auto& item : std::filesystem::recursive_directory_iterator(root_))
-      EXPECT_EQ(lchown(item.path().c_str(), kNobody, kNobody), 0) << item.path();
-    EXPECT_EQ(seteuid(kNobody), 0);
-  }
+  becomeSomebodyElse();
   EXPECT_EQ(chmod(path(name).c_str(), 0555), 0) << name;
+}
+
+void LinuxFileWorld::forbidReading(const std::string& name) {
+  becomeSomebodyElse();
+  EXPECT_EQ(chmod(path(name).c_str(), 0), 0) << name;
+}
+
+// Nothing hinders root, so the story goes on as somebody else.
+void LinuxFileWorld::becomeSomebodyElse() {
+  constexpr uid_t kNobody = 65534;
+  if (geteuid() != 0) return;
+  EXPECT_EQ(chown(root_.c_str(), kNobody, kNobody), 0);
+  for (const auto& item : std::filesystem::recursive_directory_iterator(root_))
+    EXPECT_EQ(lchown(item.path().c_str(), kNobody, kNobody), 0) << item.path();
+  EXPECT_EQ(seteuid(kNobody), 0);
 }
 
 void LinuxFileWorld::attach(const std::string& source, const std::string& name, const char* type,
@@ -94,13 +112,11 @@ void LinuxFileWorld::attach(const std::string& source, const std::string& name, 
   EXPECT_EQ(::mount(source.c_str(), path(name).c_str(), type, flags, nullptr), 0) << name;
 }
 
-LinuxFileWorld::Outcome LinuxFileWorld::play(const std::function<void(LinuxFileWorld&)>& story) {
-  // Removed by this process, which does not see what the other one mounts there.
-  LinuxFileWorld world;
+LinuxFileWorld::Outcome LinuxFileWorld::playApart(const std::function<void()>& story) {
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
-    story(world);
+    story();
     end(testing::Test::HasFailure() ? kFailed : 0);
   }
   int status = 0;

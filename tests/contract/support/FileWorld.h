@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cerrno>
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -43,6 +44,8 @@ class FakeFileWorld {
   // From now on nobody may make or remove anything in the folder, but all else that this world made
   // so far stays the process's own. Once in a story, at its end.
   void forbidChangesIn(const std::string& name) { tree_.refuseChangesIn(path(name), EACCES); }
+  // The same for looking into the folder.
+  void forbidReading(const std::string& name) { tree_.refuseReading(path(name), EACCES); }
 
   enum class Outcome { played, mayNotMount };
   static Outcome play(const std::function<void(FakeFileWorld&)>& story) {
@@ -63,7 +66,8 @@ class FakeFileWorld {
 // mounts and where it goes stays there.
 class LinuxFileWorld {
  public:
-  LinuxFileWorld();
+  LinuxFileWorld() = default;
+  explicit LinuxFileWorld(const std::string& parent);
 
   [[nodiscard]] static NSFileManager& files() { return NSFileManager::defaultManager(); }
   [[nodiscard]] static const Volumes& volumes() { return sharedVolumes(); }
@@ -77,19 +81,42 @@ class LinuxFileWorld {
   void enter(const std::string& name);
   void mount(const std::string& name);
   void bind(const std::string& source, const std::string& name);
+  // The same of an ext4 that is made with these options of mkfs.ext4. It lies in memory, beside the
+  // folder.
+  void mountImage(const std::string& name, const std::string& options);
   void forbidChangesIn(const std::string& name);
+  void forbidReading(const std::string& name);
 
   using Outcome = FakeFileWorld::Outcome;
   // The story's failed expectations are failures of the test.
-  static Outcome play(const std::function<void(LinuxFileWorld&)>& story);
+  static Outcome play(const std::function<void(LinuxFileWorld&)>& story) {
+    // Removed by this process, which does not see what the other one mounts there.
+    LinuxFileWorld world;
+    return playApart([&] { story(world); });
+  }
+
+ protected:
+  static Outcome playApart(const std::function<void()>& story);
 
  private:
+  void becomeSomebodyElse();
   void attach(const std::string& source, const std::string& name, const char* type,
               unsigned long flags);
 
   tests::ScratchFolder folder_;
-  std::string root_;
+  std::string root_ = std::filesystem::canonical(folder_.path());
   bool isApart_ = false;
+};
+
+// The same in a file system in memory.
+class TmpfsFileWorld final : public LinuxFileWorld {
+ public:
+  TmpfsFileWorld() : LinuxFileWorld("/dev/shm") {}
+
+  static Outcome play(const std::function<void(TmpfsFileWorld&)>& story) {
+    TmpfsFileWorld world;
+    return playApart([&] { story(world); });
+  }
 };
 
 }  // namespace vornix::contract

@@ -256,29 +256,18 @@ TEST_F(DirectoryLocations, LogsThatAScratchFolderCannotBeMade) {
 }
 
 // Makes folders that belong to somebody else, as if that one had been faster.
-class OvertakenFileSystem final : public FileSystem {
+class OvertakenFileSystem final : public fakes::FakeFileSystem {
  public:
-  explicit OvertakenFileSystem(fakes::FakeFileTree& tree) : tree_(tree), machine_(tree) {}
+  explicit OvertakenFileSystem(fakes::FakeFileTree& tree) : FakeFileSystem(tree), tree_(tree) {}
 
-  [[nodiscard]] int status(std::string_view path, bool followsLinks,
-                           FileStatus& status) const override {
-    return machine_.status(path, followsLinks, status);
-  }
-  [[nodiscard]] int readLink(std::string_view path, std::string& target) const override {
-    return machine_.readLink(path, target);
-  }
   [[nodiscard]] int makeFolder(std::string_view path, std::uint32_t /*permissions*/) override {
-    const int error = machine_.makeFolder(path, 0700);
+    const int error = FakeFileSystem::makeFolder(path, 0700);
     tree_.disown(std::string(path));
     return error == 0 ? EEXIST : error;
   }
-  [[nodiscard]] int makeFile(std::string_view path) override { return machine_.makeFile(path); }
-  [[nodiscard]] int remove(std::string_view path) override { return machine_.remove(path); }
-  [[nodiscard]] std::string currentFolder() const override { return machine_.currentFolder(); }
 
  private:
   fakes::FakeFileTree& tree_;
-  fakes::FakeFileSystem machine_;
 };
 
 TEST_F(DirectoryLocations, TakesNoScratchFolderThatSomebodyElseMadeMeanwhile) {
