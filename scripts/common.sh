@@ -95,7 +95,7 @@ packages_for() { # GROUP
       ;;
     lint) echo clang-format clang-tidy shellcheck python3 ;;
     fuzz) echo clang ;;
-    bench) echo python3 valgrind time binutils libssl-dev ;;
+    bench) echo python3 valgrind time binutils libssl-dev strace bfs fd-find ;;
     demo) echo python3 dbus nginx-light openssl util-linux ;;
   esac
 }

@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "bench/foundation/Comparison.h"
+#include "bench/foundation/Comparisons.h"
 #include "foundation/NSString+NSStringAdditions.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <array>
 #include <random>
 
-#include "bench/foundation/Comparison.h"
+#include "bench/foundation/Comparisons.h"
 #include "foundation/NSString+Hashing.h"
 
 namespace vornix::bench {

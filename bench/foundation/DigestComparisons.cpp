@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "bench/foundation/Comparison.h"
+#include "bench/foundation/Comparisons.h"
 #include "foundation/NSString+Hashing.h"
 
 namespace vornix::bench {

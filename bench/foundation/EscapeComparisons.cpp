@@ -8,7 +8,7 @@
 #include <memory>
 #include <string_view>
 
-#include "bench/foundation/Comparison.h"
+#include "bench/foundation/Comparisons.h"
 #include "foundation/NSString+URLAdditions.h"
 #include "platform/base/PercentEscapes.h"
 

@@ -3,7 +3,7 @@
 #include <mutex>
 #include <thread>
 
-#include "bench/foundation/Comparison.h"
+#include "bench/foundation/Comparisons.h"
 #include "foundation/VXBoolConditionalLock.h"
 
 namespace vornix::bench {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "bench/foundation/Comparison.h"
+#include "bench/foundation/Comparisons.h"
 
 namespace {
 

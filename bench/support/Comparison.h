@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace vornix::bench {
 
@@ -20,6 +19,8 @@ struct Comparison {
   std::function<void(std::size_t times)> ours;
   std::function<void(std::size_t times)> theirs;
   Clock clock = Clock::processor;
+  // How often both are done; odd.
+  std::size_t pairs = 101;
 };
 
 // A number that has to be what it is told.
@@ -29,10 +30,18 @@ struct Count {
   std::function<std::size_t()> count;
 };
 
+// A number that may be at most what it is told.
+struct Rate {
+  std::string name;
+  double bar = 0;
+  std::function<double()> rate;
+};
+
 // Each prints a row; false where the bar does not hold. The two sides take turns in going first.
 void printHead();
 bool printRow(const Comparison& comparison);
 bool printRow(const Count& count);
+bool printRow(const Rate& rate);
 
 // The compiler must not leave out what made it.
 template <typename T>
@@ -47,11 +56,5 @@ std::function<void(std::size_t)> repeated(Operation operation) {
     for (std::size_t done = 0; done < times; ++done) keep(operation());
   };
 }
-
-std::vector<Comparison> digestComparisons();
-std::vector<Comparison> base64Comparisons();
-std::vector<Comparison> escapeComparisons();
-std::vector<Comparison> lockComparisons();
-std::vector<Count> allocationCounts();
 
 }  // namespace vornix::bench
