@@ -1,13 +1,15 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/files/NSFileManager.h"
 
-// Searches and walks of whole trees.
+// Searches and walks of whole trees; removing, unlocking, cutting and moving, with fixed ways out
+// where the first attempt fails.
 namespace vornix {
 
 // Full paths of what in the folder, or with `recursive` below it, goes by that name, in the walk's
@@ -35,5 +37,41 @@ using WalkHandler = std::function<void(std::string_view path, bool isFolder, boo
 // handler returns; what the handler throws ends the walk and reaches the caller.
 bool com_orvane_FTSWalkAtPath(const NSFileManager& self, std::string_view path, bool recursive,
                               const WalkHandler& handler);
+
+// Of all that follow: `error` is written only where that is said, and then holds the platform's
+// error. What goes wrong is logged. Nothing is thrown. Any thread.
+
+// Cuts a file to length 0. False, without a message, for a folder and for what cannot be opened for
+// writing.
+bool truncateFileAtPath(NSFileManager& self, std::string_view path);
+
+// Removes an item, a folder with all that is in it; what does not exist counts as removed. When
+// that fails, the item and the folder around it are unlocked and it is tried once more. `error`
+// gets the last failure, also that of the first attempt when the second one succeeds: ask the
+// answer.
+bool removeFileAtPath(NSFileManager& self, std::string_view path,
+                      std::optional<NSError>* error = nullptr);
+
+// Clears the immutable flag of this one item. False only when it has the flag and keeps it; an item
+// that cannot be looked at has nothing to unlock.
+bool tryToUnlockFileIfNeeded(NSFileManager& self, std::string_view path);
+
+// Removes all that is in a folder, as `removeFileAtPath` does, and leaves the folder. One item that
+// stays does not keep the others from being removed. True when every one is gone, false when the
+// folder cannot be read.
+bool removeContentsOfDirectoryAtPath(NSFileManager& self, std::string_view path);
+
+// Unlocks and moves an item. The folder that already holds the item as the destination is a
+// success that moves nothing; a destination without a slash, or an empty one, is the Trash. Missing
+// folders above the destination are made; what stands at the destination is never replaced.
+bool advancedMoveItemAtPath(NSFileManager& self, std::string_view path, std::string_view toPath,
+                            std::optional<NSError>* error = nullptr);
+
+// Moves an item through the process's own file manager, whatever the receiver is. On demand it
+// makes the folders above the destination, and removes what stands at the destination, without
+// unlocking it.
+bool moveItemAtPath(NSFileManager& self, std::string_view path, std::string_view toPath,
+                    bool createDstIntermediatePath, bool removeDstPath,
+                    std::optional<NSError>* error = nullptr);
 
 }  // namespace vornix

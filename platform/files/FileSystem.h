@@ -26,6 +26,9 @@ struct FileStatus {
   std::uint32_t permissions = 0;
   // Whether it belongs to the account that this process runs under.
   bool isOwn = false;
+  // Whether it is flagged so that nothing about it may be changed, and, of a folder, nothing in it
+  // made or removed. Never true where the file system has no such flag.
+  bool isImmutable = false;
 };
 
 // What a folder holds.
@@ -62,6 +65,14 @@ class FileSystem {
   // The first failure ends it; what was removed stays removed. EINVAL for names that end in "." or
   // "..", EBUSY for the root.
   [[nodiscard]] virtual int remove(std::string_view path) = 0;
+  // An item gets another path, a link itself. EEXIST, before anything else, where anything stands
+  // already; in a folder that ignores case, only the letters' case may change. To another volume a
+  // folder goes with all that is in it and is removed here once everything is safely there: what
+  // fails before leaves this side whole and nothing there, and of what fails later, or is cut short
+  // by the end of the process, each item is whole on one side at least.
+  [[nodiscard]] virtual int move(std::string_view source, std::string_view destination) = 0;
+  // Sets or clears the flag. Clearing it where there cannot be one, as of a link, does nothing.
+  [[nodiscard]] virtual int setImmutable(std::string_view path, bool isImmutable) = 0;
   // Absolute; "/" where it cannot be told.
   [[nodiscard]] virtual std::string currentFolder() const = 0;
 };

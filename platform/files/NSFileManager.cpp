@@ -64,10 +64,21 @@ bool succeeded(int number, std::int64_t (*codeOf)(int), std::string_view path,
   return number == 0;
 }
 
+bool namesFile(const NSURL& url, std::optional<NSError>* error) {
+  if (!url.isFileURL() && error != nullptr) {
+    *error =
+        NSError{.domain = std::string(NSCocoaErrorDomain),
+                .code = NSFileWriteUnsupportedSchemeError,
+                .localizedDescription = "The URL \"" + url.absoluteString() + "\" names no file."};
+  }
+  return url.isFileURL();
+}
+
 }  // namespace
 
 NSFileManager& NSFileManager::defaultManager() {
-  static auto& manager = *new NSFileManager(sharedFileSystem(), sharedStandardDirectories());
+  static auto& manager =
+      *new NSFileManager(sharedFileSystem(), sharedStandardDirectories(), sharedTrash());
   return manager;
 }
 
@@ -191,6 +202,39 @@ bool NSFileManager::removeItemAtPath(std::string_view path, std::optional<NSErro
   // Somebody keeps filling the folder.
   if (number == ENOTEMPTY) number = EPERM;
   return succeeded(number, writingCode, path, error);
+}
+
+bool NSFileManager::setAttributes(const Dictionary& attributes, std::string_view ofItemAtPath,
+                                  std::optional<NSError>* error) {
+  FileStatus status;
+  int number = fileSystem_.status(ofItemAtPath, false, status);
+  const Value* isImmutable = attributes.find(NSFileImmutable);
+  if (number == 0 && isImmutable != nullptr)
+    number = fileSystem_.setImmutable(ofItemAtPath, isImmutable->boolValue());
+  return succeeded(number, writingCode, ofItemAtPath, error);
+}
+
+bool NSFileManager::moveItemAtPath(std::string_view path, std::string_view toPath,
+                                   std::optional<NSError>* error) {
+  const int number = fileSystem_.move(path, toPath);
+  return succeeded(number, writingCode, number == EEXIST ? toPath : path, error);
+}
+
+bool NSFileManager::trashItemAtURL(const NSURL& url, std::optional<NSError>* error) {
+  return namesFile(url, error) &&
+         succeeded(trash_.moveToTrash(url.path()), writingCode, url.path(), error);
+}
+
+bool NSFileManager::createDirectoryAtURL(const NSURL& url, bool withIntermediateDirectories,
+                                         std::optional<NSError>* error) {
+  return namesFile(url, error) &&
+         createDirectoryAtPath(url.path(), withIntermediateDirectories, error);
+}
+
+bool NSFileManager::moveItemAtURL(const NSURL& url, const NSURL& toURL,
+                                  std::optional<NSError>* error) {
+  return namesFile(url, error) && namesFile(toURL, error) &&
+         moveItemAtPath(url.path(), toURL.path(), error);
 }
 
 std::vector<NSURL> NSFileManager::URLsForDirectory(NSSearchPathDirectory kind,

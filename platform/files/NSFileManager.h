@@ -12,6 +12,7 @@
 #include "platform/files/NSDirectoryEnumerator.h"
 #include "platform/files/NSURL.h"
 #include "platform/files/StandardDirectories.h"
+#include "platform/files/Trash.h"
 
 namespace vornix {
 
@@ -27,8 +28,12 @@ inline constexpr std::int64_t NSFileWriteUnknownError = 512;
 inline constexpr std::int64_t NSFileWriteNoPermissionError = 513;
 inline constexpr std::int64_t NSFileWriteInvalidFileNameError = 514;
 inline constexpr std::int64_t NSFileWriteFileExistsError = 516;
+inline constexpr std::int64_t NSFileWriteUnsupportedSchemeError = 518;
 inline constexpr std::int64_t NSFileWriteOutOfSpaceError = 640;
 inline constexpr std::int64_t NSFileWriteVolumeReadOnlyError = 642;
+
+// The attribute, a boolean, of an item that may not be changed.
+inline constexpr std::string_view NSFileImmutable = "NSFileImmutable";
 
 // What stands in the file system. Paths are bytes, relative ones start at the current folder; an
 // empty path and one with a zero byte name nothing. Where an operation fails, `error` is set to the
@@ -36,9 +41,9 @@ inline constexpr std::int64_t NSFileWriteVolumeReadOnlyError = 642;
 // is. Any thread.
 class NSFileManager {
  public:
-  // Both must outlive the manager.
-  NSFileManager(FileSystem& fileSystem, const StandardDirectories& directories)
-      : fileSystem_(fileSystem), directories_(directories) {}
+  // All must outlive the manager.
+  NSFileManager(FileSystem& fileSystem, const StandardDirectories& directories, Trash& trash)
+      : fileSystem_(fileSystem), directories_(directories), trash_(trash) {}
 
   // The process's own, never destroyed.
   [[nodiscard]] static NSFileManager& defaultManager();
@@ -78,9 +83,28 @@ class NSFileManager {
                              std::uint32_t permissions, std::optional<NSError>* error = nullptr);
   // An empty file; one that exists keeps what it holds. False when no file is there in the end.
   bool createFileAtPath(std::string_view path);
+  // Of the item itself, also when it is a link. `NSFileImmutable` can be set, which takes root;
+  // what else is named stays as it is.
+  bool setAttributes(const Dictionary& attributes, std::string_view ofItemAtPath,
+                     std::optional<NSError>* error = nullptr);
+
   // A folder goes with all that is in it, a link by itself. What had been removed before a failure
   // stays removed.
   bool removeItemAtPath(std::string_view path, std::optional<NSError>* error = nullptr);
+  // A folder goes with all that is in it, a link by itself. Nothing is ever replaced: what stands
+  // at the destination is the error, whatever else is wrong. To another volume the item is copied,
+  // and removed here once it is safely there; a copy that fails is removed again. The error's path
+  // is the destination where that exists already, else the source.
+  bool moveItemAtPath(std::string_view path, std::string_view toPath,
+                      std::optional<NSError>* error = nullptr);
+  // Into the Trash of the item's volume, beside what was put there under the same name before; a
+  // volume without one keeps the item, which is the error `NSFileWriteUnknownError`.
+  bool trashItemAtURL(const NSURL& url, std::optional<NSError>* error = nullptr);
+
+  // The same by URLs; `NSFileWriteUnsupportedSchemeError` for one that names no file.
+  bool createDirectoryAtURL(const NSURL& url, bool withIntermediateDirectories,
+                            std::optional<NSError>* error = nullptr);
+  bool moveItemAtURL(const NSURL& url, const NSURL& toURL, std::optional<NSError>* error = nullptr);
 
   // The standard directory search, as folders' URLs.
   [[nodiscard]] std::vector<NSURL> URLsForDirectory(NSSearchPathDirectory kind,
@@ -95,6 +119,7 @@ class NSFileManager {
 
   FileSystem& fileSystem_;
   const StandardDirectories& directories_;
+  Trash& trash_;
 };
 
 // The type as "NSFileType" names it: "NSFileTypeRegular" and so on.

@@ -34,9 +34,19 @@ class NSFileHandle : public NSObject {
   [[nodiscard]] static std::shared_ptr<NSFileHandle> openForUpdatingAtEnd(std::string_view path,
                                                                           std::uint32_t mode);
 
+  // Reading and writing, at its beginning. Null for what is missing, may not be written or is no
+  // regular file; never waits, and opens no device.
+  [[nodiscard]] static std::shared_ptr<NSFileHandle> fileHandleForUpdatingAtPath(
+      std::string_view path);
+
   // All of the bytes, short writes repeated, with no other thread's bytes between them. Throws
   // `NSFileHandleOperationException` on failure; a reader that has gone away is one, not a signal.
   virtual void writeData(std::string_view bytes) = 0;
+  // Cuts the file, or fills it up with zero bytes, to that length, and goes there. Throws
+  // `NSFileHandleOperationException` on failure.
+  virtual void truncateFileAtOffset(std::uint64_t offset) = 0;
+  // From now on writing and cutting throw. The process's own handles stay open.
+  virtual void closeFile() = 0;
 
   [[nodiscard]] std::string_view className() const override { return "NSFileHandle"; }
 };

@@ -20,6 +20,7 @@ class FileBackend {
   [[nodiscard]] virtual std::string folder() const = 0;
   virtual std::shared_ptr<NSFileHandle> open(std::string_view path) = 0;
   virtual std::shared_ptr<NSFileHandle> openForUpdating(std::string_view path) = 0;
+  virtual std::shared_ptr<NSFileHandle> openExisting(std::string_view path) = 0;
   virtual std::string contents(const std::string& path) = 0;
 };
 
@@ -32,6 +33,9 @@ class FakeBackend final : public FileBackend {
   }
   std::shared_ptr<NSFileHandle> openForUpdating(std::string_view path) override {
     return files_.openForAppending(path, 0644);
+  }
+  std::shared_ptr<NSFileHandle> openExisting(std::string_view path) override {
+    return files_.openForUpdating(path);
   }
   std::string contents(const std::string& path) override {
     return files_.fileAtPath(path)->contents;
@@ -49,6 +53,9 @@ class LinuxBackend final : public FileBackend {
   }
   std::shared_ptr<NSFileHandle> openForUpdating(std::string_view path) override {
     return NSFileHandle::openForUpdatingAtEnd(path, 0644);
+  }
+  std::shared_ptr<NSFileHandle> openExisting(std::string_view path) override {
+    return NSFileHandle::fileHandleForUpdatingAtPath(path);
   }
   std::string contents(const std::string& path) override {
     std::ifstream file(path, std::ios::binary);
@@ -133,6 +140,41 @@ TYPED_TEST(NSFileHandleContract, KeepsTheWritesOfSeveralThreadsWhole) {
   std::string expected;
   for (int count = 0; count < 80; ++count) expected += line + "\n";
   EXPECT_EQ(this->backend_.contents(path), expected);
+}
+
+TYPED_TEST(NSFileHandleContract, OpensOnlyWhatExistsForUpdating) {
+  EXPECT_EQ(this->backend_.openExisting(this->file("missing")), nullptr);
+  EXPECT_EQ(this->backend_.openExisting(this->backend_.folder()), nullptr);
+  EXPECT_EQ(this->backend_.openExisting(""), nullptr);
+  EXPECT_EQ(this->backend_.openExisting(std::string_view("\0", 1)), nullptr);
+}
+
+TYPED_TEST(NSFileHandleContract, CutsAFileAndFillsItUp) {
+  const auto path = this->file("cut");
+  this->backend_.open(path)->writeData("0123456789");
+  const auto handle = this->backend_.openExisting(path);
+  ASSERT_NE(handle, nullptr);
+  handle->truncateFileAtOffset(4);
+  EXPECT_EQ(this->backend_.contents(path), "0123");
+  handle->writeData("x");
+  EXPECT_EQ(this->backend_.contents(path), "0123x");
+  handle->truncateFileAtOffset(7);
+  EXPECT_EQ(this->backend_.contents(path), std::string("0123x\0\0", 7));
+  handle->truncateFileAtOffset(0);
+  handle->writeData("new");
+  EXPECT_EQ(this->backend_.contents(path), "new");
+}
+
+TYPED_TEST(NSFileHandleContract, ThrowsOnceItIsClosed) {
+  const auto path = this->file("closed");
+  for (const auto& handle : {this->backend_.open(path), this->backend_.openForUpdating(path),
+                             this->backend_.openExisting(path)}) {
+    handle->writeData("x");
+    handle->closeFile();
+    handle->closeFile();
+    EXPECT_THROW(handle->writeData("y"), NSFileHandleOperationException);
+    EXPECT_THROW(handle->truncateFileAtOffset(0), NSFileHandleOperationException);
+  }
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ class Catalogue {
 
   fakes::FakeProcessInfo process_;
   LinuxStandardDirectories directories_{process_};
-  NSFileManager files_{sharedFileSystem(), directories_};
+  NSFileManager files_{sharedFileSystem(), directories_, sharedTrash()};
   NSBundle bundle_{"/nowhere", {"en"}, Dictionary{{"CFBundleIdentifier", "com.example.program"}}};
   VXPaths paths_{files_, bundle_, sharedResourceFiles()};
 };

@@ -10,8 +10,24 @@ FakeFileHandle::FakeFileHandle(std::shared_ptr<FakeFile> file) : file_(std::move
 
 void FakeFileHandle::writeData(std::string_view bytes) {
   const std::lock_guard lock(file_->mutex);
-  if (file_->failing) throw NSFileHandleOperationException("the fake file refuses to be written");
+  requireWorking();
   file_->contents.append(bytes);
+}
+
+void FakeFileHandle::truncateFileAtOffset(std::uint64_t offset) {
+  const std::lock_guard lock(file_->mutex);
+  requireWorking();
+  file_->contents.resize(offset);
+}
+
+void FakeFileHandle::closeFile() {
+  const std::lock_guard lock(file_->mutex);
+  isClosed_ = true;
+}
+
+void FakeFileHandle::requireWorking() const {
+  if (isClosed_) throw NSFileHandleOperationException("the fake file is closed");
+  if (file_->failing) throw NSFileHandleOperationException("the fake file refuses to be written");
 }
 
 std::string FakeFileHandle::contents() const {
@@ -50,6 +66,11 @@ std::shared_ptr<FakeFileHandle> FakeFiles::openForAppending(std::string_view pat
     file->mode = mode & 0xFFFFU;
   }
   return std::make_shared<FakeFileHandle>(file);
+}
+
+std::shared_ptr<FakeFileHandle> FakeFiles::openForUpdating(std::string_view path) const {
+  auto file = fileAtPath(path);
+  return file ? std::make_shared<FakeFileHandle>(std::move(file)) : nullptr;
 }
 
 std::shared_ptr<FakeFile> FakeFiles::fileAtPath(std::string_view path) const {

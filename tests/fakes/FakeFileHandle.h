@@ -24,6 +24,8 @@ class FakeFileHandle final : public NSFileHandle {
   explicit FakeFileHandle(std::shared_ptr<FakeFile> file = std::make_shared<FakeFile>());
 
   void writeData(std::string_view bytes) override;
+  void truncateFileAtOffset(std::uint64_t offset) override;
+  void closeFile() override;
 
   [[nodiscard]] std::string contents() const;
   void clear();
@@ -31,7 +33,11 @@ class FakeFileHandle final : public NSFileHandle {
   void failWrites(bool fail);
 
  private:
+  void requireWorking() const;
+
   std::shared_ptr<FakeFile> file_;
+  // Guarded by the file's mutex.
+  bool isClosed_ = false;
 };
 
 // The files of a fake machine.
@@ -45,6 +51,8 @@ class FakeFiles {
   // Files can be made in folders that were added.
   void addFolder(std::string_view path);
   std::shared_ptr<FakeFileHandle> openForAppending(std::string_view path, std::uint32_t mode);
+  // Null when nothing was opened for appending there before.
+  std::shared_ptr<FakeFileHandle> openForUpdating(std::string_view path) const;
   // Null when nothing was opened there.
   [[nodiscard]] std::shared_ptr<FakeFile> fileAtPath(std::string_view path) const;
 

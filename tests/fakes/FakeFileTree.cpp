@@ -141,29 +141,45 @@ int FakeFileTree::make(std::string_view path, const Item& item) {
   if (error == 0) return EEXIST;
   if (error != ENOENT) return error;
   if (item.type == FileType::directory) path = text::withoutTrailingSlashes(path);
-  const auto slash = path.rfind('/');
-  const std::string folder(slash == std::string_view::npos ? "." : path.substr(0, slash + 1));
-  const std::string name(path.substr(slash == std::string_view::npos ? 0 : slash + 1));
-  const int folderError = locate(folder, true, resolved);
-  if (folderError != 0) return folderError;
-  if (name.empty()) return path.empty() ? ENOENT : EISDIR;
-  if (path.find('\0') != std::string_view::npos) return ENOENT;
-  if (const int refused = refusal(resolved)) return refused;
-  items_[resolved + "/" + name] = item;
+  if (const int newError = locateNew(path, resolved)) return newError;
+  if (const int refused = refusal(parentOf(resolved))) return refused;
+  items_[resolved] = item;
   return 0;
 }
 
-int FakeFileTree::remove(std::string_view path) {
+int FakeFileTree::locateNew(std::string_view path, std::string& resolved) const {
+  const auto slash = path.rfind('/');
+  const std::string folder(slash == std::string_view::npos ? "." : path.substr(0, slash + 1));
+  const std::string name(path.substr(slash == std::string_view::npos ? 0 : slash + 1));
+  std::string parent;
+  if (const int error = locate(folder, true, parent)) return error;
+  if (name.empty()) return path.empty() ? ENOENT : EISDIR;
+  if (path.find('\0') != std::string_view::npos) return ENOENT;
+  if (name.size() > kLongestName) return ENAMETOOLONG;
+  resolved = parent + "/" + name;
+  return 0;
+}
+
+int FakeFileTree::locateRemovable(std::string_view path, std::string& resolved) const {
   const std::string_view item = text::withoutTrailingSlashes(path);
   const std::string name = text::lastPathComponent(item);
   if (name == "/") return EBUSY;
   if (name == "." || name == "..") return EINVAL;
-  std::string resolved;
   if (const int error = locate(item, false, resolved)) return error;
-  if (item.size() < path.size() && itemAt(resolved).type == FileType::regular) return ENOTDIR;
+  const Item found = itemAt(resolved);
+  if (item.size() < path.size() && found.type == FileType::regular) return ENOTDIR;
   if (const int refused = refusal(parentOf(resolved))) return refused;
+  return found.isImmutable ? EPERM : 0;
+}
+
+int FakeFileTree::remove(std::string_view path) {
+  std::string resolved;
+  if (const int error = locateRemovable(path, resolved)) return error;
   for (const auto& [folder, error] : refusals_) {
     if (folder == resolved || folder.starts_with(resolved + "/")) return error;
+  }
+  for (const auto& [name, item] : items_) {
+    if (item.isImmutable && name.starts_with(resolved + "/")) return EPERM;
   }
   std::erase_if(items_, [&resolved](const auto& each) {
     return each.first == resolved || each.first.starts_with(resolved + "/");
@@ -171,7 +187,40 @@ int FakeFileTree::remove(std::string_view path) {
   return 0;
 }
 
+int FakeFileTree::move(std::string_view source, std::string_view destination) {
+  std::string from;
+  std::string to;
+  const std::string_view end = text::withoutTrailingSlashes(destination);
+  if (locate(end, false, to) == 0) return EEXIST;
+  if (const int error = locateRemovable(source, from)) return error;
+  if (const int error = locateNew(end, to)) return error;
+  if (end.size() < destination.size() && !isFolder(from)) return ENOTDIR;
+  if (to.starts_with(from + "/")) return EINVAL;
+  if (const int refused = refusal(parentOf(to))) return refused;
+  std::map<std::string, Item, std::less<>> moved;
+  for (const auto& [name, item] : items_) {
+    if (name == from || name.starts_with(from + "/")) moved[to + name.substr(from.size())] = item;
+  }
+  std::erase_if(items_, [&from](const auto& each) {
+    return each.first == from || each.first.starts_with(from + "/");
+  });
+  items_.merge(moved);
+  return 0;
+}
+
+int FakeFileTree::setImmutable(std::string_view path, bool isImmutable) {
+  std::string resolved;
+  if (const int error = locate(path, false, resolved)) return error;
+  Item& item = items_[resolved];
+  if (item.isImmutable == isImmutable) return 0;
+  if (item.type != FileType::regular && item.type != FileType::directory) return EOPNOTSUPP;
+  if (!isRoot) return EPERM;
+  item.isImmutable = isImmutable;
+  return 0;
+}
+
 int FakeFileTree::refusal(const std::string& folder) const {
+  if (itemAt(folder).isImmutable) return EPERM;
   const auto found = refusals_.find(folder);
   return found == refusals_.end() ? 0 : found->second;
 }
@@ -192,7 +241,10 @@ int FakeFileSystem::status(std::string_view path, bool followsLinks, FileStatus&
   const int error = tree_.locate(path, followsLinks, resolved);
   if (error != 0) return error;
   const auto item = tree_.itemAt(resolved);
-  status = {.type = item.type, .permissions = item.permissions, .isOwn = item.isOwn};
+  status = {.type = item.type,
+            .permissions = item.permissions,
+            .isOwn = item.isOwn,
+            .isImmutable = item.isImmutable};
   return 0;
 }
 
@@ -241,9 +293,34 @@ int FakeFileSystem::remove(std::string_view path) {
   return tree_.remove(path);
 }
 
+int FakeFileSystem::move(std::string_view source, std::string_view destination) {
+  const std::lock_guard lock(mutex_);
+  return tree_.move(source, destination);
+}
+
+int FakeFileSystem::setImmutable(std::string_view path, bool isImmutable) {
+  const std::lock_guard lock(mutex_);
+  return tree_.setImmutable(path, isImmutable);
+}
+
 std::string FakeFileSystem::currentFolder() const {
   const std::lock_guard lock(mutex_);
   return tree_.currentFolder;
+}
+
+int FakeTrash::moveToTrash(std::string_view path) {
+  const std::lock_guard lock(mutex_);
+  std::string resolved;
+  if (const int error = tree_.locate(path, false, resolved)) return error;
+  for (const std::string& folder : omitted_) {
+    if (folder == "/" || resolved.starts_with(folder + "/")) return EOPNOTSUPP;
+  }
+  (void)tree_.make("/Trash", {.type = FileType::directory});
+  const std::string place = "/Trash/" + text::lastPathComponent(path);
+  int error = tree_.move(path, place);
+  for (int number = 2; error == EEXIST; ++number)
+    error = tree_.move(path, place + "." + std::to_string(number));
+  return error;
 }
 
 std::optional<std::string> FakeVolumes::volumePathOf(std::string_view path) const {

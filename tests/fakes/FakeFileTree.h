@@ -6,12 +6,14 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/files/FileSystem.h"
 #include "platform/files/NSFileManager.h"
+#include "platform/files/Trash.h"
 #include "platform/files/Volumes.h"
 #include "tests/fakes/FakeStandardDirectories.h"
 
@@ -26,6 +28,8 @@ class FakeFileTree {
   std::string walkBreaker;
   // What closing a walk throws, if it does.
   std::string closingFault;
+  // Others may neither set nor clear the flag that makes items immutable.
+  bool isRoot = true;
 
   // Absolute paths without links; the folders on the way are made.
   void addFolder(const std::string& path);
@@ -49,6 +53,7 @@ class FakeFileTree {
     std::string target{};
     std::uint32_t permissions = 0755;
     bool isOwn = true;
+    bool isImmutable = false;
   };
   // The path without links, empty for the root; none for what does not exist. The item itself is
   // followed on demand only.
@@ -63,13 +68,20 @@ class FakeFileTree {
   [[nodiscard]] int list(const std::string& resolved, std::vector<std::string>& names) const;
   // The mount point of the volume with this item, or of the one that was bound there.
   [[nodiscard]] std::string deviceOf(const std::string& resolved) const;
-  // A new item, and the end of one with all below it. Answer 0 or an error number.
+  // A new item, the end of one with all below it, another path for one, and its flag. Answer 0 or
+  // an error number.
   int make(std::string_view path, const Item& item);
   int remove(std::string_view path);
+  int move(std::string_view source, std::string_view destination);
+  int setImmutable(std::string_view path, bool isImmutable);
 
  private:
   void add(const std::string& path, const Item& item);
   [[nodiscard]] int refusal(const std::string& folder) const;
+  // Where an item that does not exist would stand.
+  [[nodiscard]] int locateNew(std::string_view path, std::string& resolved) const;
+  // Where the item itself stands, which can be taken away from there.
+  [[nodiscard]] int locateRemovable(std::string_view path, std::string& resolved) const;
 
   std::map<std::string, Item, std::less<>> items_;
   std::map<std::string, int, std::less<>> refusals_;
@@ -93,6 +105,8 @@ class FakeFileSystem : public FileSystem {
   [[nodiscard]] int makeFolder(std::string_view path, std::uint32_t permissions) override;
   [[nodiscard]] int makeFile(std::string_view path) override;
   [[nodiscard]] int remove(std::string_view path) override;
+  [[nodiscard]] int move(std::string_view source, std::string_view destination) override;
+  [[nodiscard]] int setImmutable(std::string_view path, bool isImmutable) override;
   [[nodiscard]] std::string currentFolder() const override;
 
  private:
@@ -100,12 +114,29 @@ class FakeFileSystem : public FileSystem {
   FakeFileTree& tree_;
 };
 
+// A folder in the tree, "/Trash".
+class FakeTrash final : public Trash {
+ public:
+  explicit FakeTrash(FakeFileTree& tree) : tree_(tree) {}
+
+  // From now on there is no Trash for what stands in this folder, or for anything.
+  void omitFor(const std::string& folder = "/") { omitted_.insert(folder); }
+
+  [[nodiscard]] int moveToTrash(std::string_view path) override;
+
+ private:
+  std::mutex mutex_;
+  FakeFileTree& tree_;
+  std::set<std::string> omitted_;
+};
+
 // A file manager on a machine of its own, in memory.
 struct FakeFileMachine {
   FakeFileTree tree;
   FakeStandardDirectories directories;
   FakeFileSystem fileSystem{tree};
-  NSFileManager files{fileSystem, directories};
+  FakeTrash trash{tree};
+  NSFileManager files{fileSystem, directories, trash};
 };
 
 class FakeVolumes final : public Volumes {
@@ -117,7 +148,8 @@ class FakeVolumes final : public Volumes {
   const FakeFileTree& tree_;
 };
 
-// The one that the process's file system and volumes show on the fake platform.
+// The one that the process's file system, volumes and Trash show on the fake platform.
 FakeFileTree& fileTree();
+FakeTrash& processTrash();
 
 }  // namespace vornix::fakes

@@ -8,142 +8,151 @@
 #include <utility>
 #include <vector>
 
-#include "platform/base/PathText.h"
-#include "platform/linux/system/FileDescriptor.h"
-#include "platform/linux/system/FolderHandle.h"
+#include "platform/linux/files/FolderDescent.h"
+#include "platform/linux/files/FolderReader.h"
+#include "platform/linux/files/ItemPlace.h"
 
 namespace vornix {
 namespace {
 
-constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+// How often a folder in which something is left is looked through once more.
+constexpr int kMostRepetitions = 100;
+// Folders' names kept for a level; more of them are found when the folder is read again.
+constexpr std::size_t kMostNameBytes = 256U << 10U;
+constexpr int kEnoughNames = -1;
 
-int resultOf(int answer) {
-  return answer == 0 ? 0 : errno;
+int statusOf(int folder, const std::string& name, struct stat& status) {
+  return errorOf(fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW));
 }
 
-int namesIn(int folder, std::vector<std::string>& names) {
-  const int copy = fcntl(folder, F_DUPFD_CLOEXEC, 0);
-  if (copy < 0) return errno;
-  const FolderHandle stream(fdopendir(copy));
-  if (!stream) {
-    const int error = errno;
-    close(copy);
-    return error;
-  }
-  errno = 0;
-  while (const dirent* entry = readdir(stream.get())) {
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") names.emplace_back(name);
-    errno = 0;
-  }
-  return errno;
-}
-
-bool isFolder(int folder, const std::string& name) {
+bool isFolderIn(int folder, const char* name) {
   struct stat status {};
-  return fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-         S_ISDIR(status.st_mode);
+  return statusOf(folder, name, status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Goes down into folders and up again through "..", which it trusts only when it leads to where it
-// came from.
 class TreeRemoval {
  public:
+  explicit TreeRemoval(FileDescriptor top) : descent_(std::move(top)), levels_(1) {}
+
   // Empties the folder.
-  int run(FileDescriptor folder) {
-    int error = enter(std::move(folder), {});
-    while (error == 0 && (levels_.size() > 1 || !levels_.back().folders.empty()))
-      error = levels_.back().folders.empty() ? leave() : descend();
+  int run() {
+    int error = readFolder();
+    while (error == 0 && (levels_.size() > 1 || !isEmptied())) {
+      if (!levels_.back().folders.empty()) {
+        error = enter(levels_.back().folders.pop());
+      } else {
+        error = isEmptied() ? leave() : readAgain();
+      }
+    }
     return error;
   }
 
  private:
   struct Level {
-    std::string name;
-    dev_t device = 0;
-    ino_t inode = 0;
+    std::string name{};
     // Still to be removed.
-    std::vector<std::string> folders;
+    NameStack folders{};
+    bool hasMore = false;
+    int repetitions = 0;
   };
 
-  int enter(FileDescriptor folder, std::string name) {
-    struct stat status {};
-    if (fstat(folder.get(), &status) != 0) return errno;
-    current_ = std::move(folder);
-    levels_.push_back({std::move(name), status.st_dev, status.st_ino, {}});
-    std::vector<std::string> names;
-    if (const int error = namesIn(current_.get(), names)) return error;
-    for (std::string& each : names) {
-      if (const int error = removeOrKeep(std::move(each))) return error;
-    }
-    return 0;
+  [[nodiscard]] bool isEmptied() const {
+    return levels_.back().folders.empty() && !levels_.back().hasMore;
   }
 
-  // Keeps a folder's name for later.
-  int removeOrKeep(std::string name) {
-    const int error = resultOf(unlinkat(current_.get(), name.c_str(), 0));
-    if ((error == EISDIR || error == EPERM) && isFolder(current_.get(), name)) {
-      levels_.back().folders.push_back(std::move(name));
-      return 0;
-    }
+  int readFolder() {
+    const int answer =
+        reader_.read(descent_.folder(), [this](const char* name, unsigned char type) {
+          if (type == DT_DIR) return keep(name);
+          return removeOrKeep(name);
+        });
+    levels_.back().hasMore = answer == kEnoughNames;
+    return answer == kEnoughNames ? 0 : answer;
+  }
+
+  int readAgain() {
+    if (lseek(descent_.folder(), 0, SEEK_SET) != 0) return errno;
+    return readFolder();
+  }
+
+  int keep(const char* name) {
+    levels_.back().folders.push(name);
+    return levels_.back().folders.size() < kMostNameBytes ? 0 : kEnoughNames;
+  }
+
+  int removeOrKeep(const char* name) {
+    const int error = errorOf(unlinkat(descent_.folder(), name, 0));
+    if (error == EISDIR || (error == EPERM && isFolderIn(descent_.folder(), name)))
+      return keep(name);
     return error == ENOENT ? 0 : error;
   }
 
-  int descend() {
-    std::string name = std::move(levels_.back().folders.back());
-    levels_.back().folders.pop_back();
-    FileDescriptor folder(openat(current_.get(), name.c_str(), kFolderFlags));
-    if (folder.isOpen()) return enter(std::move(folder), std::move(name));
-    const int error = errno;
-    // Removed, or swapped for something else, since it was read.
+  int enter(std::string name) {
+    const int error = descent_.descend(name);
+    if (error == 0) {
+      levels_.push_back({.name = std::move(name)});
+      return readFolder();
+    }
     if (error == ENOENT) return 0;
-    return error == ENOTDIR || error == ELOOP ? removeOrKeep(std::move(name)) : error;
+    // Swapped for something else since it was read.
+    if (error == ENOTDIR || error == ELOOP) return removeSwapped(name);
+    // One that may not be read goes all the same when it is empty.
+    return unlinkat(descent_.folder(), name.c_str(), AT_REMOVEDIR) == 0 ? 0 : error;
   }
 
   int leave() {
     const std::string name = std::move(levels_.back().name);
     levels_.pop_back();
-    FileDescriptor parent(openat(current_.get(), "..", kFolderFlags));
-    if (!parent.isOpen()) return errno;
-    struct stat status {};
-    if (fstat(parent.get(), &status) != 0) return errno;
-    const Level& expected = levels_.back();
-    // Moved elsewhere meanwhile.
-    if (status.st_dev != expected.device || status.st_ino != expected.inode) return EBUSY;
-    current_ = std::move(parent);
-    const int error = resultOf(unlinkat(current_.get(), name.c_str(), AT_REMOVEDIR));
+    if (const int error = descent_.ascend()) return error;
+    const int error = errorOf(unlinkat(descent_.folder(), name.c_str(), AT_REMOVEDIR));
+    // Filled meanwhile, or by a file system that leaves entries out while others are removed.
+    if (error == ENOTEMPTY && ++levels_.back().repetitions < kMostRepetitions) {
+      levels_.back().folders.push(name);
+      return 0;
+    }
+    if (error == ENOTDIR) return removeSwapped(name);
     return error == ENOENT ? 0 : error;
   }
 
-  FileDescriptor current_;
+  int removeSwapped(const std::string& name) {
+    const int answer = removeOrKeep(name.c_str());
+    if (answer == kEnoughNames) levels_.back().hasMore = true;
+    return answer == kEnoughNames ? 0 : answer;
+  }
+
+  FolderDescent descent_;
+  FolderReader reader_;
   std::vector<Level> levels_;
 };
 
-int removeFolder(const std::string& path) {
-  FileDescriptor folder(open(path.c_str(), kFolderFlags));
-  if (!folder.isOpen()) {
-    // One that may not be read goes all the same when it is empty.
-    const int error = errno;
-    return rmdir(path.c_str()) == 0 ? 0 : error;
+int removeFolderIn(int folder, const std::string& name) {
+  FileDescriptor opened;
+  if (const int error = openSubfolder(folder, name.c_str(), opened)) {
+    return unlinkat(folder, name.c_str(), AT_REMOVEDIR) == 0 ? 0 : error;
   }
-  const int error = TreeRemoval().run(std::move(folder));
-  return error != 0 ? error : resultOf(rmdir(path.c_str()));
+  const int error = TreeRemoval(std::move(opened)).run();
+  return error != 0 ? error : errorOf(unlinkat(folder, name.c_str(), AT_REMOVEDIR));
 }
 
 }  // namespace
 
-int removeItem(const std::string& path) {
-  // With a slash at its end a link would be followed.
-  std::string item = path;
-  while (item.size() > 1 && item.ends_with('/')) item.pop_back();
-  const std::string name = text::lastPathComponent(item);
-  if (name == "/") return EBUSY;
-  if (name == "." || name == "..") return EINVAL;
+int removeItemIn(int folder, const std::string& name) {
   struct stat status {};
-  if (lstat(item.c_str(), &status) != 0) return errno;
-  if (S_ISDIR(status.st_mode)) return removeFolder(item);
-  if (item.size() < path.size() && !S_ISLNK(status.st_mode)) return ENOTDIR;
-  return resultOf(unlink(item.c_str()));
+  if (const int error = statusOf(folder, name, status)) return error;
+  if (S_ISDIR(status.st_mode)) return removeFolderIn(folder, name);
+  return errorOf(unlinkat(folder, name.c_str(), 0));
+}
+
+int removeItem(std::string_view path) {
+  ItemPlace place;
+  if (const int error = findPlace(path, place)) return error;
+  if (path.ends_with('/')) {
+    // A file is no folder; a link goes by itself all the same.
+    struct stat status {};
+    if (const int error = statusOf(place.folder.get(), place.name, status)) return error;
+    if (!S_ISDIR(status.st_mode) && !S_ISLNK(status.st_mode)) return ENOTDIR;
+  }
+  return removeItemIn(place.folder.get(), place.name);
 }
 
 }  // namespace vornix

@@ -9,6 +9,8 @@
 
 #include "platform/files/FileSystem.h"
 #include "platform/linux/files/FolderRemoval.h"
+#include "platform/linux/files/ImmutableFlag.h"
+#include "platform/linux/files/ItemMove.h"
 #include "platform/linux/files/hierarchy/LinuxFileHierarchy.h"
 #include "platform/linux/system/CMemory.h"
 #include "platform/linux/system/FileDescriptor.h"
@@ -24,7 +26,7 @@ std::optional<std::string> nameOf(std::string_view path) {
   return std::nullopt;
 }
 
-FileType typeOf(mode_t mode) {
+FileType typeOf(unsigned mode) {
   switch (mode & S_IFMT) {
     case S_IFREG:
       return FileType::regular;
@@ -71,12 +73,14 @@ class LinuxFileSystem final : public FileSystem {
   [[nodiscard]] int status(std::string_view path, bool followsLinks,
                            FileStatus& status) const override {
     const auto name = nameOf(path);
-    struct stat found {};
+    constexpr unsigned kAsked = STATX_TYPE | STATX_MODE | STATX_UID;
+    struct statx found {};
     const int flags = followsLinks ? 0 : AT_SYMLINK_NOFOLLOW;
-    if (!name || fstatat(AT_FDCWD, name->c_str(), &found, flags) != 0) return errno;
-    status = {.type = typeOf(found.st_mode),
-              .permissions = found.st_mode & 0777U,
-              .isOwn = found.st_uid == geteuid()};
+    if (!name || statx(AT_FDCWD, name->c_str(), flags, kAsked, &found) != 0) return errno;
+    status = {.type = typeOf(found.stx_mode),
+              .permissions = found.stx_mode & 0777U,
+              .isOwn = found.stx_uid == geteuid(),
+              .isImmutable = (found.stx_attributes & STATX_ATTR_IMMUTABLE) != 0};
     return 0;
   }
 
@@ -120,6 +124,17 @@ class LinuxFileSystem final : public FileSystem {
   [[nodiscard]] int remove(std::string_view path) override {
     const auto name = nameOf(path);
     return name ? removeItem(*name) : errno;
+  }
+
+  [[nodiscard]] int move(std::string_view source, std::string_view destination) override {
+    const auto from = nameOf(source);
+    const auto to = nameOf(destination);
+    return from && to ? moveItem(*from, *to) : errno;
+  }
+
+  [[nodiscard]] int setImmutable(std::string_view path, bool isImmutable) override {
+    const auto name = nameOf(path);
+    return name ? setImmutableFlag(*name, isImmutable) : errno;
   }
 
   [[nodiscard]] std::string currentFolder() const override {

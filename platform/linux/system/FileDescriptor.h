@@ -24,6 +24,8 @@ class FileDescriptor {
   }
 
   [[nodiscard]] int get() const { return descriptor_; }
+  // The caller closes it.
+  [[nodiscard]] int release() { return std::exchange(descriptor_, -1); }
   [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
 
  private:

@@ -7,17 +7,13 @@
 #include <string>
 #include <utility>
 
-#include "platform/base/NSError.h"
 #include "platform/linux/system/FileDescriptor.h"
+#include "platform/linux/system/FileHandleFailure.h"
 #include "platform/linux/system/FileSignals.h"
 #include "platform/system/NSFileHandle.h"
 
 namespace vornix {
 namespace {
-
-[[noreturn]] void throwFailure(int errorNumber) {
-  throw NSFileHandleOperationException(posixError(errorNumber, "write").localizedDescription);
-}
 
 class UpdatingFileHandle final : public NSFileHandle {
  public:
@@ -30,7 +26,18 @@ class UpdatingFileHandle final : public NSFileHandle {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
       if (writeAtOnce(bytes)) return;
     }
-    throwFailure(ENOSPC);
+    throwFailure("write", ENOSPC);
+  }
+
+  void truncateFileAtOffset(std::uint64_t offset) override {
+    const std::lock_guard lock(mutex_);
+    truncateAt(file_.get(), offset);
+    endsWithinLine_ = false;
+  }
+
+  void closeFile() override {
+    const std::lock_guard lock(mutex_);
+    const FileDescriptor closed = std::move(file_);
   }
 
  private:
@@ -43,7 +50,7 @@ class UpdatingFileHandle final : public NSFileHandle {
 
   [[nodiscard]] bool writeOnce(std::string_view bytes) {
     const ssize_t result = writeUninterrupted(bytes);
-    if (result < 0) throwFailure(errno);
+    if (result < 0) throwFailure("write", errno);
     const auto written = static_cast<std::size_t>(result);
     const bool whole = written == bytes.size();
     if (whole) {
@@ -63,7 +70,7 @@ class UpdatingFileHandle final : public NSFileHandle {
   }
 
   std::mutex mutex_;
-  const FileDescriptor file_;
+  FileDescriptor file_;
   // Whether the file ends with what is left of a write of ours.
   bool endsWithinLine_ = false;
 };

@@ -82,7 +82,7 @@ void LinuxFileWorld::mountImage(const std::string& name, const std::string& opti
   const std::string make = "mkfs.ext4 -q -F " + options + " " + image + " 16M";
   const std::string attach = "mount -o loop " + image + " " + path(name);
   // NOLINTNEXTLINE(cert-env33-c,concurrency-mt-unsafe): a test's own words, on one thread.
-  if (std::system((make + " && " + attach).c_str()) != 0) end(kMountsRefused);
+  if (std::system((make + " && " + attach).c_str()) != 0) refuse();
 }
 
 void LinuxFileWorld::forbidChangesIn(const std::string& name) {
@@ -105,11 +105,27 @@ void LinuxFileWorld::becomeSomebodyElse() {
   EXPECT_EQ(seteuid(kNobody), 0);
 }
 
+void LinuxFileWorld::mountSmall(const std::string& name, const std::string& options) {
+  attach("none", name, "tmpfs", 0, options.c_str());
+}
+
+void LinuxFileWorld::makeReadOnly(const std::string& name) {
+  attach("none", name, nullptr, MS_REMOUNT | MS_RDONLY);
+}
+
 void LinuxFileWorld::attach(const std::string& source, const std::string& name, const char* type,
-                            unsigned long flags) {
-  if (!isApart_ && !goApart()) end(testing::Test::HasFailure() ? kFailed : kMountsRefused);
+                            unsigned long flags, const char* options) {
+  requireApart();
+  EXPECT_EQ(::mount(source.c_str(), path(name).c_str(), type, flags, options), 0) << name;
+}
+
+void LinuxFileWorld::requireApart() {
+  if (!isApart_ && !goApart()) refuse();
   isApart_ = true;
-  EXPECT_EQ(::mount(source.c_str(), path(name).c_str(), type, flags, nullptr), 0) << name;
+}
+
+void LinuxFileWorld::refuse() {
+  end(testing::Test::HasFailure() ? kFailed : kMountsRefused);
 }
 
 LinuxFileWorld::Outcome LinuxFileWorld::playApart(const std::function<void()>& story) {

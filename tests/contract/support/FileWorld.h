@@ -15,6 +15,9 @@ namespace vornix::contract {
 inline constexpr const char* kMayNotMount =
     "NOT TESTED: this account may mount nothing, not even in a user namespace of its own";
 
+inline constexpr const char* kMayNotMountDisks =
+    "NOT TESTED: this account may not make and mount a disk image";
+
 // Items by their paths below the world's root, in memory.
 class FakeFileWorld {
  public:
@@ -23,6 +26,7 @@ class FakeFileWorld {
   [[nodiscard]] const NSFileManager& files() const { return files_; }
   [[nodiscard]] NSFileManager& files() { return files_; }
   [[nodiscard]] const Volumes& volumes() const { return volumes_; }
+  [[nodiscard]] fakes::FakeTrash& trash() { return trash_; }
   // The absolute path, without links; the root's for an empty name.
   [[nodiscard]] static std::string path(const std::string& name) {
     return name.empty() ? "/root" : "/root/" + name;
@@ -58,7 +62,8 @@ class FakeFileWorld {
   fakes::FakeFileTree tree_;
   fakes::FakeStandardDirectories directories_;
   fakes::FakeFileSystem fileSystem_{tree_};
-  NSFileManager files_{fileSystem_, directories_};
+  fakes::FakeTrash trash_{tree_};
+  NSFileManager files_{fileSystem_, directories_, trash_};
   fakes::FakeVolumes volumes_{tree_};
 };
 
@@ -80,6 +85,10 @@ class LinuxFileWorld {
   void link(const std::string& name, const std::string& target);
   void enter(const std::string& name);
   void mount(const std::string& name);
+  // The same with a size, such as "size=64k", and other options of a volume in memory.
+  void mountSmall(const std::string& name, const std::string& options);
+  // From now on nothing changes in that volume.
+  void makeReadOnly(const std::string& name);
   void bind(const std::string& source, const std::string& name);
   // The same of an ext4 that is made with these options of mkfs.ext4. It lies in memory, beside the
   // folder.
@@ -101,7 +110,10 @@ class LinuxFileWorld {
  private:
   void becomeSomebodyElse();
   void attach(const std::string& source, const std::string& name, const char* type,
-              unsigned long flags);
+              unsigned long flags, const char* options = nullptr);
+
+  void requireApart();
+  [[noreturn]] static void refuse();
 
   tests::ScratchFolder folder_;
   std::string root_ = std::filesystem::canonical(folder_.path());

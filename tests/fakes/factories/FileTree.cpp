@@ -12,6 +12,15 @@ FileSystem& sharedFileSystem() {
   return fileSystem;
 }
 
+fakes::FakeTrash& fakes::processTrash() {
+  static auto& trash = *new FakeTrash(fileTree());
+  return trash;
+}
+
+Trash& sharedTrash() {
+  return fakes::processTrash();
+}
+
 const Volumes& sharedVolumes() {
   static const auto& volumes = *new fakes::FakeVolumes(fakes::fileTree());
   return volumes;

@@ -27,4 +27,8 @@ std::shared_ptr<NSFileHandle> NSFileHandle::openForUpdatingAtEnd(std::string_vie
   return fakes::processFiles().openForAppending(path, mode);
 }
 
+std::shared_ptr<NSFileHandle> NSFileHandle::fileHandleForUpdatingAtPath(std::string_view path) {
+  return fakes::processFiles().openForUpdating(path);
+}
+
 }  // namespace vornix

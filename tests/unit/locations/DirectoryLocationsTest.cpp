@@ -272,7 +272,7 @@ class OvertakenFileSystem final : public fakes::FakeFileSystem {
 
 TEST_F(DirectoryLocations, TakesNoScratchFolderThatSomebodyElseMadeMeanwhile) {
   OvertakenFileSystem fileSystem(machine_.tree);
-  NSFileManager files(fileSystem, machine_.directories);
+  NSFileManager files(fileSystem, machine_.directories, machine_.trash);
   EXPECT_EQ(temporaryDirectoryWithName(files, "x"), std::nullopt);
   EXPECT_THAT(logger_.messages(LogLevelDebug), ElementsAre("Failed to create directory /tmp/x"));
 }

@@ -1,0 +1,261 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "fs/NSFileManager+FileModificationsAdditions.h"
+#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/DeepTree.h"
+#include "tests/contract/support/FileWorld.h"
+#include "tests/contract/support/PeakMemory.h"
+#include "tests/contract/support/TreeText.h"
+
+// Moving across volumes where something goes wrong.
+namespace vornix::contract {
+namespace {
+
+namespace fs = std::filesystem;
+
+void writeBytes(const std::string& path, std::size_t size) {
+  std::ofstream(path, std::ios::binary) << std::string(size, 'x');
+}
+
+std::string contentsOf(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Leaves the source as it was and nothing at the destination.
+void expectFailure(LinuxFileWorld& world, std::int64_t code) {
+  const std::string before = textOfTree(world.path("from"));
+  std::optional<NSError> error;
+  EXPECT_FALSE(LinuxFileWorld::files().moveItemAtPath(world.path("from/tree"),
+                                                      world.path("to/tree"), &error));
+  EXPECT_EQ(error->code, code);
+  EXPECT_EQ(textOfTree(world.path("from")), before);
+  EXPECT_TRUE(fs::is_empty(world.path("to")));
+}
+
+TEST(VolumeTrouble, LeavesNothingOnAVolumeThatIsFull) {
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    for (const char* name : {"from/tree/a/small", "from/tree/b/c/small", "from/tree/large"})
+      world.file(name);
+    writeBytes(world.path("from/tree/large"), 1'000'000);
+    world.folder("to");
+    world.mountSmall("to", "size=512k");
+    expectFailure(world, 640);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(VolumeTrouble, LeavesNothingOnAVolumeWithTooFewInodes) {
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    for (int number = 0; number < 30; ++number)
+      world.file("from/tree/" + std::to_string(number % 5) + "/" + std::to_string(number));
+    world.folder("to");
+    world.mountSmall("to", "nr_inodes=20");
+    expectFailure(world, 640);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(VolumeTrouble, CopiesNothingToOrFromAReadOnlyVolume) {
+  for (const char* readOnly : {"from", "to"}) {
+    const auto outcome = LinuxFileWorld::play([readOnly](LinuxFileWorld& world) {
+      world.folder("from");
+      world.folder("to");
+      world.mount(readOnly);
+      world.file("from/tree/file");
+      world.makeReadOnly(readOnly);
+      expectFailure(world, 642);
+    });
+    if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+  }
+}
+
+TEST(VolumeTrouble, NeedsLittleMemoryForManyItemsInOneFolder) {
+  constexpr int kItems = 50'000;
+  constexpr long kMostKilobytes = 8L << 10;
+  const auto outcome = LinuxFileWorld::play([&](LinuxFileWorld& world) {
+    for (const char* name : {"from", "to"}) {
+      world.folder(name);
+      world.mount(name);
+    }
+    world.folder("from/tree");
+    for (int number = 0; number < kItems; ++number) {
+      ASSERT_EQ(mknod(world.path("from/tree/" + std::to_string(number)).c_str(), S_IFREG | 0600, 0),
+                0);
+    }
+    const PeakMemory memory;
+    EXPECT_TRUE(
+        LinuxFileWorld::files().moveItemAtPath(world.path("from/tree"), world.path("to/tree")));
+    EXPECT_LT(memory.growthInKilobytes(), kMostKilobytes);
+    EXPECT_EQ(std::distance(fs::directory_iterator(world.path("to/tree")), {}), kItems);
+    EXPECT_TRUE(fs::is_empty(world.path("from")));
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(VolumeTrouble, NeedsNoMoreDescriptorsForFoldersTenThousandDeep) {
+  constexpr int kDepth = 10'000;
+  const auto outcome = LinuxFileWorld::play([&](LinuxFileWorld& world) {
+    for (const char* name : {"from", "to"}) {
+      world.folder(name);
+      world.mount(name);
+    }
+    makeDeepTree(world.path("from/tree"), kDepth);
+    const rlimit few{.rlim_cur = 128, .rlim_max = 128};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    EXPECT_TRUE(
+        LinuxFileWorld::files().moveItemAtPath(world.path("from/tree"), world.path("to/tree")));
+    EXPECT_EQ(depthOfTree(world.path("to/tree")), kDepth);
+    EXPECT_TRUE(fs::is_empty(world.path("from")));
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+// Another process exchanges folders and links to what must stay, while they are moved.
+TEST(VolumeTrouble, NeverTouchesOrCopiesWhatFoldersAreSwappedFor) {
+  constexpr int kSwaps = 100'000;
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    for (const char* name : {"from", "to"}) {
+      world.folder(name);
+      world.mount(name);
+    }
+    world.file("from/canary/secret");
+    world.file("from/canary/sub/secret");
+    for (int number = 0; number < 4; ++number)
+      world.link("from/links/" + std::to_string(number), world.path("from/canary"));
+    const std::string canary = textOfTree(world.path("from/canary"));
+    const std::string moving = world.path("from/moving/");
+    const std::string links = world.path("from/links/");
+    const std::string apart = world.path("from/apart/");
+    const ForkedProcess swapper([&] {
+      int swaps = 0;
+      while (swaps < kSwaps) {
+        const std::string name = std::to_string(swaps % 4);
+        swaps += renameat2(AT_FDCWD, (moving + name).c_str(), AT_FDCWD, (links + name).c_str(),
+                           RENAME_EXCHANGE) == 0;
+      }
+      _exit(0);
+    });
+    int status = 0;
+    while (waitpid(-1, &status, WNOHANG) == 0) {
+      // Made apart, where this process follows no link.
+      for (int number = 0; number < 4; ++number)
+        fs::create_directories(apart + std::to_string(number) + "/sub/deeper");
+      (void)!rename(apart.c_str(), moving.c_str());
+      (void)LinuxFileWorld::files().moveItemAtPath(moving, world.path("to/moved"));
+      ASSERT_EQ(textOfTree(world.path("from/canary")), canary);
+      for (const auto& item : fs::recursive_directory_iterator(world.path("to")))
+        ASSERT_NE(item.path().filename(), "secret") << item.path();
+      (void)LinuxFileWorld::files().removeItemAtPath(world.path("to/moved"));
+    }
+    EXPECT_EQ(status, 0);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+constexpr int kFiles = 24;
+
+std::string nameOfFile(int number) {
+  return "tree/" + std::to_string(number % 4) + "/" + std::to_string(number);
+}
+
+std::string contentsOfFile(int number) {
+  return std::string(static_cast<std::size_t>(number) * 700, 'x') + std::to_string(number);
+}
+
+void makeTree(LinuxFileWorld& world) {
+  for (int number = 0; number < kFiles; ++number) {
+    world.file("from/" + nameOfFile(number));
+    std::ofstream(world.path("from/" + nameOfFile(number))) << contentsOfFile(number);
+  }
+}
+
+void moveTree(LinuxFileWorld& world) {
+  advancedMoveItemAtPath(LinuxFileWorld::files(), world.path("from/tree"), world.path("to/tree"));
+}
+
+void waitFor(std::chrono::nanoseconds time) {
+  const timespec rest{.tv_sec = 0, .tv_nsec = time.count()};
+  nanosleep(&rest, nullptr);
+}
+
+// Ends a process that moves the tree after a part of the time that this takes. Answers whether it
+// had not come to its end.
+bool killMove(LinuxFileWorld& world, std::chrono::nanoseconds after) {
+  ForkedProcess mover([&world] {
+    ForkedProcess::isReady();
+    moveTree(world);
+    _exit(0);
+  });
+  mover.awaitReady();
+  waitFor(after);
+  mover.signal(SIGKILL);
+  return mover.awaitEnd() == -SIGKILL;
+}
+
+std::chrono::nanoseconds timeOfMove(LinuxFileWorld& world) {
+  makeTree(world);
+  const auto start = std::chrono::steady_clock::now();
+  moveTree(world);
+  const auto time = std::chrono::steady_clock::now() - start;
+  fs::remove_all(world.path("to/tree"));
+  return std::min<std::chrono::nanoseconds>(time, std::chrono::milliseconds(500));
+}
+
+void expectEachFileOnOneSide(LinuxFileWorld& world) {
+  for (int number = 0; number < kFiles; ++number) {
+    const std::string name = nameOfFile(number);
+    const bool isWhole = contentsOf(world.path("from/" + name)) == contentsOfFile(number) ||
+                         contentsOf(world.path("to/" + name)) == contentsOfFile(number);
+    ASSERT_TRUE(isWhole) << name;
+  }
+}
+
+void clearFolder(const std::string& path) {
+  for (const auto& item : fs::directory_iterator(path)) fs::remove_all(item.path());
+}
+
+TEST(VolumeTrouble, LosesNoFileWhenTheProcessIsKilledAtAnyInstant) {
+  constexpr int kKills = 500;
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    for (const char* name : {"from", "to"}) {
+      world.folder(name);
+      world.mount(name);
+    }
+    const auto time = timeOfMove(world);
+    std::mt19937 random(20'261'121);
+    std::uniform_int_distribution<long> instant(0, time.count());
+    int cutShort = 0;
+    for (int kill = 0; kill < kKills; ++kill) {
+      makeTree(world);
+      cutShort += killMove(world, std::chrono::nanoseconds(instant(random)));
+      expectEachFileOnOneSide(world);
+      ASSERT_FALSE(testing::Test::HasFatalFailure());
+      clearFolder(world.path("from"));
+      clearFolder(world.path("to"));
+    }
+    EXPECT_GT(cutShort, kKills / 10);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+}  // namespace
+}  // namespace vornix::contract
