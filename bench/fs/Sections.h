@@ -16,8 +16,11 @@ struct Section {
 };
 
 Section walkSection();
+Section removalSection();
 
 // Folders to make trees in: one on the disk and one in memory.
 std::vector<std::string> benchFolders();
+// What the name of a row in such a folder ends with: ", ext4".
+std::string endingFor(const std::string& folder);
 
 }  // namespace vornix::bench

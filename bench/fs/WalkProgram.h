@@ -8,6 +8,9 @@ namespace vornix::bench {
 // The argument that makes this program walk through a folder and do nothing else.
 inline constexpr const char* kWalkCommand = "--walk";
 int walkAsProgram(const std::string& folder);
+// The same for removing it.
+inline constexpr const char* kRemoveCommand = "--remove";
+int removeAsProgram(const std::string& tree);
 
 // Runs a program to its end with nothing printed; false when that is not there or fails.
 bool runProgram(const std::vector<std::string>& arguments);

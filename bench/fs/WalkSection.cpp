@@ -1,6 +1,3 @@
-#include <linux/magic.h>
-#include <sys/vfs.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -50,13 +47,6 @@ void makeTree(const std::string& root) {
   }
 }
 
-const char* fileSystemOf(const std::string& folder) {
-  struct statfs status {};
-  if (statfs(folder.c_str(), &status) != 0) return "?";
-  if (status.f_type == EXT4_SUPER_MAGIC) return "ext4";
-  return status.f_type == TMPFS_MAGIC ? "tmpfs" : "other";
-}
-
 std::size_t findIn(const std::string& folder, bool byWords) {
   return findFile(NSFileManager::defaultManager(), "Disk Utility", folder, byWords, true).size();
 }
@@ -64,7 +54,7 @@ std::size_t findIn(const std::string& folder, bool byWords) {
 class WalkMeasure {
  public:
   explicit WalkMeasure(const std::string& folder)
-      : tree_(treeIn(folder)), ending_(std::string(", ") + fileSystemOf(folder)) {}
+      : tree_(treeIn(folder)), ending_(endingFor(folder)) {}
 
   int run() {
     const std::size_t items = walkRaw(tree_);

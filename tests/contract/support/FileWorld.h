@@ -87,12 +87,12 @@ class LinuxFileWorld {
   void mount(const std::string& name);
   // The same with a size, such as "size=64k", and other options of a volume in memory.
   void mountSmall(const std::string& name, const std::string& options);
-  // From now on nothing changes in that volume.
-  void makeReadOnly(const std::string& name);
   void bind(const std::string& source, const std::string& name);
-  // The same of an ext4 that is made with these options of mkfs.ext4. It lies in memory, beside the
+  // An empty ext4 volume that is made with these options of mkfs.ext4. It lies in memory, beside the
   // folder.
   void mountImage(const std::string& name, const std::string& options);
+  // From now on nothing changes in the volume that was mounted there.
+  void makeReadOnly(const std::string& name);
   void forbidChangesIn(const std::string& name);
   void forbidReading(const std::string& name);
 
