@@ -6,7 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/files/FileRemover.h"
 #include "platform/files/NSFileManager.h"
+#include "platform/system/NSBundle.h"
 
 // Searches and walks of whole trees; removing, unlocking, cutting and moving, with fixed ways out
 // where the first attempt fails.
@@ -73,5 +75,17 @@ bool advancedMoveItemAtPath(NSFileManager& self, std::string_view path, std::str
 bool moveItemAtPath(NSFileManager& self, std::string_view path, std::string_view toPath,
                     bool createDstIntermediatePath, bool removeDstPath,
                     std::optional<NSError>* error = nullptr);
+
+inline constexpr std::string_view SecureRemoveErrorDomain =
+    "com.orvane.Vornix.SecureRemoveErrorDomain";
+
+// Unlocks an item, but not the folder around it, and removes it as `FileRemover` does, with what
+// files hold overwritten and a folder with all that is in it; read there what that can promise and
+// what not. On failure `error` gets an error of `SecureRemoveErrorDomain` with the program's own
+// text for it; success leaves it as it is.
+bool securelyRemoveFileAtPath(NSFileManager& self, std::string_view path,
+                              std::optional<NSError>* error = nullptr,
+                              FileRemover& remover = sharedFileRemover(),
+                              const NSBundle& texts = NSBundle::mainBundle());
 
 }  // namespace vornix

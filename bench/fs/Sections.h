@@ -17,6 +17,7 @@ struct Section {
 
 Section walkSection();
 Section removalSection();
+Section secureRemovalSection();
 
 // Folders to make trees in: one on the disk and one in memory.
 std::vector<std::string> benchFolders();

@@ -17,16 +17,18 @@ double now(Clock clock) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-double secondsOf(const std::function<void(std::size_t)>& side, std::size_t times, Clock clock) {
-  const double started = now(clock);
+double secondsOf(const Comparison& comparison, const std::function<void(std::size_t)>& side,
+                 std::size_t times) {
+  comparison.prepare();
+  const double started = now(comparison.clock);
   side(times);
-  return now(clock) - started;
+  return now(comparison.clock) - started;
 }
 
 std::size_t timesOfABatch(const Comparison& comparison) {
   for (std::size_t times = 1;; times *= 2) {
-    const double shorter = std::min(secondsOf(comparison.ours, times, comparison.clock),
-                                    secondsOf(comparison.theirs, times, comparison.clock));
+    const double shorter = std::min(secondsOf(comparison, comparison.ours, times),
+                                    secondsOf(comparison, comparison.theirs, times));
     if (shorter >= kShortestBatchSeconds) return times;
   }
 }
@@ -38,8 +40,8 @@ std::vector<double> sortedRatios(const Comparison& comparison) {
     const bool weBegin = pair % 2 == 0;
     const auto& [first, second] = weBegin ? std::tie(comparison.ours, comparison.theirs)
                                           : std::tie(comparison.theirs, comparison.ours);
-    const double firstSeconds = secondsOf(first, times, comparison.clock);
-    const double secondSeconds = secondsOf(second, times, comparison.clock);
+    const double firstSeconds = secondsOf(comparison, first, times);
+    const double secondSeconds = secondsOf(comparison, second, times);
     ratios.push_back(weBegin ? firstSeconds / secondSeconds : secondSeconds / firstSeconds);
   }
   std::ranges::sort(ratios);

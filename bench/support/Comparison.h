@@ -21,6 +21,8 @@ struct Comparison {
   Clock clock = Clock::processor;
   // How often both are done; odd.
   std::size_t pairs = 101;
+  // Done before each side's turn, outside of its time.
+  std::function<void()> prepare = [] {};
 };
 
 // A number that has to be what it is told.

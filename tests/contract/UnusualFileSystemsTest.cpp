@@ -1,25 +1,21 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cerrno>
-#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <thread>
 
 #include "platform/linux/system/FileDescriptor.h"
 #include "platform/linux/system/FolderHandle.h"
+#include "tests/contract/support/FailingCall.h"
 #include "tests/contract/support/FileWorld.h"
 #include "tests/contract/support/Walks.h"
 
@@ -50,15 +46,7 @@ Steps plant(LinuxFileWorld& world) {
 
 // From now on the kernel is, for this process, one that does not have the call, or hides it.
 void refuseOpenat2(int error) {
-  std::array<sock_filter, 4> program{{
-      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat2, 0, 1),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<unsigned>(error)),
-      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-  }};
-  const sock_fprog filter{program.size(), program.data()};
-  EXPECT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
-  EXPECT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter), 0);
+  failSystemCall(SYS_openat2, error);
   EXPECT_EQ(syscall(SYS_openat2, AT_FDCWD, "/", nullptr, 0), -1);
   EXPECT_EQ(errno, error);
 }

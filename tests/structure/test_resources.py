@@ -40,19 +40,26 @@ class Information(unittest.TestCase):
 
 
 class Texts(unittest.TestCase):
-    KEYS = {
+    REMINDER_KEYS = {
         "NotificationsTitle_RunSomeCleanup",
         "NotificationDescription_RunScan",
         "NotificationDescription_RunSomeCleanup",
         "Launch",
         "Cancel",
     }
+    ERROR_KEYS = {"ErrorDescRemoving_GenericError"}
 
-    def test_has_every_text_of_the_reminder_in_every_language(self):
+    def assert_keys_in_every_language(self, table, keys):
         folders = {folder.name: folder for folder in BUNDLE.glob("*.lproj")}
         self.assertLessEqual({"en.lproj", "de.lproj"}, set(folders))
         for name, folder in folders.items():
             with self.subTest(name):
-                text = (folder / "Localizable.strings").read_text(encoding="utf-8")
+                text = (folder / f"{table}.strings").read_text(encoding="utf-8")
                 texts = dict(re.findall(r'^"(\w+)" = "(.+)";$', text, re.MULTILINE))
-                self.assertEqual(set(texts), self.KEYS)
+                self.assertEqual(set(texts), keys)
+
+    def test_has_every_text_of_the_reminder_in_every_language(self):
+        self.assert_keys_in_every_language("Localizable", self.REMINDER_KEYS)
+
+    def test_has_every_text_of_an_error_in_every_language(self):
+        self.assert_keys_in_every_language("Errors", self.ERROR_KEYS)

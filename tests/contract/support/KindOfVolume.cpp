@@ -1,10 +1,16 @@
 #include "tests/contract/support/KindOfVolume.h"
 
+#include <fcntl.h>
+#include <linux/fs.h>
 #include <linux/magic.h>
+#include <sys/ioctl.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
 #include <filesystem>
+
+#include "platform/linux/system/FileDescriptor.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace vornix::contract {
 
@@ -17,6 +23,17 @@ std::optional<std::string> folderOn(KindOfVolume kind) {
     if (fits && access(folder.c_str(), W_OK | X_OK) == 0) return folder;
   }
   return std::nullopt;
+}
+
+bool keepsFlags(KindOfVolume kind) {
+  const auto parent = folderOn(kind);
+  if (!parent) return false;
+  const tests::ScratchFolder folder(*parent);
+  const FileDescriptor file(open(folder.write("file", "").c_str(), O_RDONLY | O_CLOEXEC));
+  int flags = FS_IMMUTABLE_FL;
+  if (ioctl(file.get(), FS_IOC_SETFLAGS, &flags) != 0) return false;
+  flags = 0;
+  return ioctl(file.get(), FS_IOC_SETFLAGS, &flags) == 0;
 }
 
 std::string nameOf(KindOfVolume kind) {

@@ -12,6 +12,12 @@ enum class KindOfVolume { ext4, tmpfs };
 // none.
 [[nodiscard]] std::optional<std::string> folderOn(KindOfVolume kind);
 
+// Whether files can be flagged immutable there, by this account and with this kernel.
+[[nodiscard]] bool keepsFlags(KindOfVolume kind);
+
+inline constexpr const char* kMayNotFlag =
+    "NOT TESTED: this account may flag nothing immutable, or the kernel has no such flag there";
+
 [[nodiscard]] std::string nameOf(KindOfVolume kind);
 
 }  // namespace vornix::contract

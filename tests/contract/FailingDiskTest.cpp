@@ -1,0 +1,212 @@
+#include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <utility>
+
+#include "fs/NSFileManager+FileModificationsAdditions.h"
+#include "platform/files/FileRemover.h"
+#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/FailingCall.h"
+#include "tests/contract/support/FileWorld.h"
+#include "tests/contract/support/TreeText.h"
+#include "tests/contract/support/Walks.h"
+#include "tests/fakes/ScopedSharedLogger.h"
+
+// What each operation answers, and leaves, when the disk fails it at any of its steps.
+namespace vornix::contract {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+struct Fault {
+  long call;
+  int error;
+  std::int64_t code;
+
+  friend void PrintTo(const Fault& fault, std::ostream* stream) {
+    *stream << "call " << fault.call << " error " << fault.error;
+  }
+};
+
+std::string nameOf(const testing::TestParamInfo<Fault>& row) {
+  return "Call" + std::to_string(row.param.call) + "Error" + std::to_string(row.param.error);
+}
+
+// Plays a part of a story where the call fails; its failed expectations are the story's.
+void playWith(const Fault& fault, const std::function<void()>& part) {
+  const ForkedProcess process([&] {
+    failSystemCall(fault.call, fault.error);
+    part();
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  });
+  EXPECT_EQ(process.awaitEnd(), 0);
+}
+
+using Operation = std::function<bool(NSFileManager&, std::optional<NSError>*)>;
+
+void expectCode(std::int64_t code, const Operation& operation) {
+  std::optional<NSError> error;
+  EXPECT_FALSE(operation(LinuxFileWorld::files(), &error));
+  ASSERT_TRUE(error.has_value());
+  EXPECT_EQ(error->code, code) << error->description();
+}
+
+void makeTree(LinuxFileWorld& world, const std::string& name) {
+  for (const char* item : {"/file", "/folder/file", "/folder/inner/file", "/other/file"}) {
+    world.file(name + item);
+    std::ofstream(world.path(name + item)) << std::string(100'000, 'x') << item;
+  }
+  world.link(name + "/link", "file");
+}
+
+TEST(FailingDisk, FoldersThatCannotBeReadAreTroublesOfAWalk) {
+  LinuxFileWorld::play([](LinuxFileWorld& world) {
+    makeTree(world, "tree");
+    world.enter("");
+    playWith({SYS_getdents64, EIO, 0}, [&world] {
+      const auto walk = world.files().hierarchyAtPath("tree", {.noStatus = true});
+      EXPECT_EQ(walk->read()->kind, HierarchyKind::folder);
+      const HierarchyEntry* entry = walk->read();
+      EXPECT_EQ(entry->kind, HierarchyKind::unreadableFolder);
+      EXPECT_EQ(entry->error, EIO);
+      EXPECT_EQ(walk->read(), nullptr);
+      expectCode(256, [](auto& files, auto* error) {
+        return files.contentsOfDirectoryAtPath("tree", error).has_value();
+      });
+    });
+  });
+}
+
+TEST(FailingDisk, ItemsThatCannotBeLookedAtAreTroublesOfAWalk) {
+  LinuxFileWorld::play([](LinuxFileWorld& world) {
+    world.file("tree/file");
+    world.enter("");
+    playWith({SYS_newfstatat, EIO, 0}, [&world] {
+      const auto walk = world.files().hierarchyAtPath("tree", {});
+      const HierarchyEntry* entry = walk->read();
+      EXPECT_EQ(entry->kind, HierarchyKind::noStatus);
+      EXPECT_EQ(entry->error, EIO);
+      EXPECT_EQ(walk->read(), nullptr);
+    });
+  });
+}
+
+class FailingRemoval : public testing::TestWithParam<Fault> {};
+
+INSTANTIATE_TEST_SUITE_P(FailingDisk, FailingRemoval,
+                         testing::Values(Fault{SYS_getdents64, EIO, 512},
+                                         Fault{SYS_unlinkat, EIO, 512},
+                                         Fault{SYS_unlinkat, ENOSPC, 640},
+                                         Fault{SYS_unlinkat, EDQUOT, 640}),
+                         nameOf);
+
+TEST_P(FailingRemoval, TellsWhyAndLeavesTheTree) {
+  LinuxFileWorld::play([](LinuxFileWorld& world) {
+    makeTree(world, "tree");
+    const std::string before = textOfTree(world.path("tree"));
+    playWith(GetParam(), [&world] {
+      expectCode(GetParam().code, [&world](auto& files, auto* error) {
+        return files.removeItemAtPath(world.path("tree"), error);
+      });
+    });
+    EXPECT_EQ(textOfTree(world.path("tree")), before);
+  });
+}
+
+class FailingSecureRemoval : public testing::TestWithParam<Fault> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    FailingDisk, FailingSecureRemoval,
+    testing::Values(Fault{SYS_getdents64, EIO, -1}, Fault{SYS_unlinkat, EIO, -1},
+                    Fault{SYS_pwrite64, EIO, -1}, Fault{SYS_pwrite64, EDQUOT, -1},
+                    Fault{SYS_fdatasync, EIO, -1}, Fault{SYS_renameat2, EIO, -1},
+                    Fault{SYS_getrandom, ENOSYS, -1}),
+    nameOf);
+
+TEST_P(FailingSecureRemoval, TellsWhyAndLeavesEveryName) {
+  LinuxFileWorld::play([](LinuxFileWorld& world) {
+    makeTree(world, "tree");
+    playWith(GetParam(), [&world] {
+      const auto result = sharedFileRemover().removefile(world.path("tree"), 0x11);
+      EXPECT_EQ(result, (RemovefileResult{.value = -1, .errorNumber = GetParam().error}));
+    });
+    for (const char* item : {"/file", "/folder/file", "/folder/inner/file", "/other/file"})
+      EXPECT_EQ(stdfs::file_size(world.path("tree") + item), 100'000 + std::string(item).size());
+    EXPECT_TRUE(stdfs::is_symlink(world.path("tree/link")));
+  });
+}
+
+class FailingMove : public testing::TestWithParam<Fault> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    FailingDisk, FailingMove,
+    testing::Values(Fault{SYS_getdents64, EIO, 512}, Fault{SYS_pread64, EIO, 512},
+                    Fault{SYS_pwrite64, EIO, 512}, Fault{SYS_pwrite64, ENOSPC, 640},
+                    Fault{SYS_pwrite64, EDQUOT, 640}, Fault{SYS_mkdirat, EDQUOT, 640},
+                    Fault{SYS_ftruncate, EIO, 512}, Fault{SYS_fchmod, EIO, 512},
+                    Fault{SYS_fchown, EIO, 512}, Fault{SYS_readlinkat, EIO, 512},
+                    Fault{SYS_symlinkat, EDQUOT, 640}, Fault{SYS_utimensat, EIO, 512},
+                    Fault{SYS_flistxattr, EIO, 512}, Fault{SYS_syncfs, EIO, 512},
+                    Fault{SYS_syncfs, ENOSPC, 640}),
+    nameOf);
+
+TEST_P(FailingMove, TellsWhyAndLeavesTheSourceWholeAndNothingElse) {
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    world.folder("to");
+    world.mount("to");
+    makeTree(world, "tree");
+    const std::string before = textOfTree(world.path("tree"));
+    playWith(GetParam(), [&world] {
+      expectCode(GetParam().code, [&world](auto& files, auto* error) {
+        return files.moveItemAtPath(world.path("tree"), world.path("to/tree"), error);
+      });
+    });
+    EXPECT_EQ(textOfTree(world.path("tree")), before);
+    EXPECT_EQ(GetParam().call == SYS_getdents64 || stdfs::is_empty(world.path("to")), true);
+    EXPECT_FALSE(stdfs::exists(world.path("to/tree")));
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(FailingDisk, KeepsBothSidesOfAMoveWhenTheSourceCannotBeRemoved) {
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    world.folder("to");
+    world.mount("to");
+    makeTree(world, "tree");
+    const std::string before = textOfTree(world.path("tree"));
+    playWith({SYS_unlinkat, EIO, 512}, [&world] {
+      expectCode(512, [&world](auto& files, auto* error) {
+        return files.moveItemAtPath(world.path("tree"), world.path("to/tree"), error);
+      });
+    });
+    EXPECT_EQ(textOfTree(world.path("tree")), before);
+    EXPECT_EQ(textOfTree(world.path("to/tree")), before);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(FailingDisk, SaysWithWhichExceptionAFileWasNotTruncated) {
+  LinuxFileWorld::play([](LinuxFileWorld& world) {
+    makeTree(world, "tree");
+    playWith({SYS_ftruncate, EIO, 0}, [&world] {
+      const fakes::ScopedSharedLogger logger;
+      EXPECT_FALSE(truncateFileAtPath(world.files(), world.path("tree/file")));
+      ASSERT_EQ(logger.messages(LogLevelError).size(), 1U);
+      EXPECT_NE(logger.messages(LogLevelError).front().find("Failed to truncate file with exception"),
+                std::string::npos);
+    });
+    EXPECT_GT(stdfs::file_size(world.path("tree/file")), 100'000U);
+  });
+}
+
+}  // namespace
+}  // namespace vornix::contract

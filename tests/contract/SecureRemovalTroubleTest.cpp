@@ -1,0 +1,310 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "platform/files/FileRemover.h"
+#include "platform/linux/system/FileDescriptor.h"
+#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/DeepTree.h"
+#include "tests/contract/support/OnVolume.h"
+#include "tests/contract/support/PeakMemory.h"
+#include "tests/contract/support/TreeText.h"
+
+// Secure removal on disks and trees that make trouble.
+namespace vornix::contract {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr long kMostKilobytes = 64L << 10;
+
+int errorOfSecureRemoval(const std::string& path) {
+  return sharedFileRemover().removefile(path, 0x11).errorNumber;
+}
+
+void writeBytes(const std::string& path, const std::string& bytes) {
+  EXPECT_TRUE((std::ofstream(path, std::ios::binary) << bytes).good()) << path;
+}
+
+std::string bytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class SecureRemovalTrouble : public OnVolume {};
+VORNIX_ON_EVERY_VOLUME(SecureRemovalTrouble);
+
+TEST_P(SecureRemovalTrouble, NeedsFewDescriptorsAndLittleMemoryForFoldersTenThousandDeep) {
+  play([](LinuxFileWorld& world) {
+    makeDeepTree(world.path("here/deep"), 10'000);
+    const rlimit few{.rlim_cur = 80, .rlim_max = 80};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    const PeakMemory memory;
+    EXPECT_EQ(errorOfSecureRemoval(world.path("here/deep")), 0);
+    EXPECT_FALSE(fs::exists(world.path("here/deep")));
+    EXPECT_LT(memory.growthInKilobytes(), kMostKilobytes);
+  });
+}
+
+TEST_P(SecureRemovalTrouble, NeedsLittleMemoryForManyItemsInOneFolder) {
+  constexpr int kItems = 60'000;
+  play([](LinuxFileWorld& world) {
+    world.folder("here/many");
+    const FileDescriptor folder(open(world.path("here/many").c_str(), O_RDONLY | O_CLOEXEC));
+    for (int number = 0; number < kItems; ++number) {
+      const std::string name = "a name that is as long as many are " + std::to_string(number);
+      // Folders too, more than names are kept for.
+      const int made = number % 3 == 0 ? mkdirat(folder.get(), name.c_str(), 0700)
+                                       : mknodat(folder.get(), name.c_str(), S_IFREG | 0600, 0);
+      ASSERT_EQ(made, 0);
+    }
+    const PeakMemory memory;
+    EXPECT_EQ(errorOfSecureRemoval(world.path("here/many")), 0);
+    EXPECT_FALSE(fs::exists(world.path("here/many")));
+    EXPECT_LT(memory.growthInKilobytes(), kMostKilobytes / 8);
+  });
+}
+
+TEST_P(SecureRemovalTrouble, GoesOnWhenDescriptorsRunOut) {
+  play([](LinuxFileWorld& world) {
+    for (int number = 0; number < 400; ++number)
+      world.file("here/doomed/" + std::to_string(number % 40) + "/" + std::to_string(number));
+    for (int number = 0; number < 400; ++number)
+      writeBytes(world.path("here/doomed/file " + std::to_string(number)), "contents");
+    const rlimit few{.rlim_cur = 24, .rlim_max = 24};
+    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    EXPECT_EQ(errorOfSecureRemoval(world.path("here/doomed")), 0);
+    EXPECT_FALSE(fs::exists(world.path("here/doomed")));
+  });
+}
+
+TEST_P(SecureRemovalTrouble, TakesWhatAnotherProcessRemovesMeanwhileForRemoved) {
+  play([](LinuxFileWorld& world) {
+    const std::string both = world.path("here/both");
+    for (int round = 0; round < 20; ++round) {
+      for (int number = 0; number < 100; ++number)
+        world.file("here/both/" + std::to_string(number % 10) + "/" + std::to_string(number));
+      const ForkedProcess other([&both] {
+        for (const char* folder : {"/3", "/7", "/9", "/1", "/0"}) {
+          std::error_code raced;
+          fs::remove_all(both + folder, raced);
+        }
+        _exit(0);
+      });
+      EXPECT_EQ(errorOfSecureRemoval(both), 0);
+      EXPECT_EQ(other.awaitEnd(), 0);
+      EXPECT_FALSE(fs::exists(both));
+    }
+  });
+}
+
+// Folders and files to be removed, links to what must stay, and a process that exchanges them.
+class SwappedItems {
+ public:
+  explicit SwappedItems(LinuxFileWorld& world) : world_(world) {
+    for (const char* name : {"here/canary/file", "here/canary/sub/file"}) {
+      world.file(name);
+      writeBytes(world.path(name), "what must stay as it is");
+    }
+    fs::create_hard_link(world.path("here/canary/file"), otherName_);
+    world.folder("here/links");
+    renew();
+  }
+
+  // As a process's whole life. Ends with 0 when a good part of the swaps worked.
+  [[noreturn]] void swap(int times) const {
+    int swaps = 0;
+    for (int number = 0; number < times; ++number) {
+      const std::string& name = kNames[static_cast<std::size_t>(number) % kNames.size()];
+      swaps += renameat2(AT_FDCWD, (doomed_ / name).c_str(), AT_FDCWD, (links_ / name).c_str(),
+                         RENAME_EXCHANGE) == 0;
+      if (number % 16 == 0) (void)link(otherName_.c_str(), (doomed_ / "planted").c_str());
+    }
+    _exit(swaps > times / 50 ? 0 : 1);
+  }
+
+  // Makes what is missing, where nothing is swapped, and moves it to its place.
+  void renew() const {
+    world_.folder("here/doomed");
+    for (const std::string& name : kNames) {
+      std::error_code taken;
+      const fs::path fresh = world_.path("here/fresh/" + name);
+      const bool isFile = name.starts_with("file");
+      if (!isFile) world_.file("here/fresh/" + name + "/sub/deeper/file");
+      world_.folder("here/fresh");
+      writeBytes(isFile ? fresh : fresh / "sub/file", "doomed");
+      fs::rename(fresh, doomed_ / name, taken);
+      // What was exchanged for a link that is gone now.
+      if (!fs::is_symlink(links_ / name)) fs::remove_all(links_ / name, taken);
+      // From where the kernel would not say that they lead to another volume.
+      fs::create_symlink(isFile ? "../canary/file" : "../canary", links_ / name, taken);
+    }
+  }
+  [[nodiscard]] const std::string& doomed() const { return doomed_.native(); }
+
+ private:
+  static inline const std::vector<std::string> kNames{"0", "1", "2", "file 0", "file 1"};
+
+  LinuxFileWorld& world_;
+  const fs::path doomed_ = world_.path("here/doomed");
+  const fs::path links_ = world_.path("here/links");
+  const std::string otherName_ = world_.path("here/other-name");
+};
+
+TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForAgainAndAgain) {
+  // In memory, rounds are shorter and more.
+  const int swaps = GetParam() == KindOfVolume::ext4 ? 100'000 : 30'000;
+  play([swaps](LinuxFileWorld& world) {
+    const SwappedItems items(world);
+    const std::string canary = textOfTree(world.path("here/canary"));
+    const ForkedProcess swapper([&items, swaps] { items.swap(swaps); });
+    int status = 0;
+    while (waitpid(-1, &status, WNOHANG) == 0) {
+      (void)errorOfSecureRemoval(items.doomed());
+      ASSERT_EQ(textOfTree(world.path("here/canary")), canary);
+      items.renew();
+    }
+    EXPECT_EQ(status, 0) << "the other process hardly ever swapped anything";
+  });
+}
+
+TEST(LinuxSecureRemoval, LeavesAloneWhatIsMountedBelowAFolder) {
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    for (const char* name : {"one/volume", "two/bound", "three"}) world.folder(name);
+    world.file("kept/file");
+    world.file("file");
+    world.file("three/bound-file");
+    world.mount("one/volume");
+    for (const char* name : {"one/volume/file", "kept/file", "file"}) {
+      world.file(name);
+      writeBytes(world.path(name), "contents");
+    }
+    world.bind("kept", "two/bound");
+    world.bind("file", "three/bound-file");
+    for (const char* name : {"one", "one/volume", "two", "two/bound", "three", "three/bound-file"})
+      EXPECT_EQ(errorOfSecureRemoval(world.path(name)), EBUSY) << name;
+    for (const char* name : {"one/volume/file", "two/bound/file", "kept/file", "file"})
+      EXPECT_EQ(bytesOf(world.path(name)), "contents") << name;
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(LinuxSecureRemoval, ChangesNothingOnAReadOnlyVolume) {
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    world.folder("volume");
+    world.mount("volume");
+    world.file("volume/folder/file");
+    writeBytes(world.path("volume/folder/file"), "contents");
+    world.link("volume/link", "folder");
+    world.makeReadOnly("volume");
+    for (const char* name : {"volume/folder/file", "volume/folder", "volume/link"})
+      EXPECT_EQ(errorOfSecureRemoval(world.path(name)), EROFS) << name;
+    EXPECT_EQ(bytesOf(world.path("volume/folder/file")), "contents");
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+// An ext4 whose bytes can be looked at, in memory of a given size. Takes root.
+class Disk {
+ public:
+  Disk(LinuxFileWorld& world, const std::string& memory)
+      : image_(world.path("memory/image")), folder_(world.path("disk")) {
+    world.folder("memory");
+    world.folder("disk");
+    world.mountSmall("memory", memory);
+    const std::string make = "truncate -s 32M " + image_ + " && mkfs.ext4 -q -F -b 4096 " + image_;
+    const std::string attach = "mount -o loop " + image_ + " " + folder_;
+    // NOLINTNEXTLINE(cert-env33-c,concurrency-mt-unsafe): a test's own words, on one thread.
+    isMounted_ = std::system((make + " && " + attach).c_str()) == 0;
+  }
+
+  [[nodiscard]] bool isMounted() const { return isMounted_; }
+  [[nodiscard]] const std::string& image() const { return image_; }
+  // All that was changed.
+  void write() const {
+    const FileDescriptor folder(open(folder_.c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(syncfs(folder.get()), 0);
+  }
+  [[nodiscard]] std::size_t copiesOf(const std::string& mark) const {
+    const std::string bytes = bytesOf(image_);
+    std::size_t count = 0;
+    for (auto at = bytes.find(mark); at != std::string::npos; at = bytes.find(mark, at + 1))
+      ++count;
+    return count;
+  }
+
+ private:
+  std::string image_;
+  std::string folder_;
+  bool isMounted_ = false;
+};
+
+TEST(LinuxSecureRemoval, LeavesNothingOfAFilesContentsOnTheDiskOnceItAnswers) {
+  if (geteuid() != 0) GTEST_SKIP() << kMayNotMountDisks;
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    const Disk disk(world, "size=64m");
+    ASSERT_TRUE(disk.isMounted());
+    // Kept together here only when the test reads it from its own memory.
+    const std::string mark = std::string("a mark that stands ") + "nowhere else";
+    std::string contents;
+    while (contents.size() < 100'000) contents += mark;
+    for (int number = 0; number < 120; ++number) {
+      const std::string name = "disk/doomed/" + std::to_string(number % 7);
+      world.folder(name);
+      writeBytes(world.path(name + "/" + std::to_string(number)),
+                 contents.substr(0, static_cast<std::size_t>(number) * 500));
+    }
+    disk.write();
+    EXPECT_GT(disk.copiesOf(mark), 1000U);
+    EXPECT_EQ(errorOfSecureRemoval(world.path("disk/doomed")), 0);
+    EXPECT_EQ(disk.copiesOf(mark), 0U);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMountDisks;
+}
+
+TEST(LinuxSecureRemoval, KeepsAFileWhoseContentsCouldNotBeOverwrittenOnTheDisk) {
+  if (geteuid() != 0) GTEST_SKIP() << kMayNotMountDisks;
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    const Disk disk(world, "size=24m");
+    ASSERT_TRUE(disk.isMounted());
+    const std::string mark(1U << 20U, 'M');
+    world.folder("disk/doomed");
+    for (int number = 0; number < 30; ++number)
+      writeBytes(world.path("disk/doomed/" + std::to_string(number)), "contents");
+    writeBytes(world.path("disk/doomed/bad"), mark);
+    disk.write();
+    const std::string bytes = bytesOf(disk.image());
+    ASSERT_NE(bytes.find(mark), std::string::npos);
+    {
+      // The disk forgets the file's blocks, and then has no room to take others for them.
+      const FileDescriptor image(open(disk.image().c_str(), O_RDWR | O_CLOEXEC));
+      ASSERT_EQ(fallocate(image.get(), FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE,
+                          static_cast<off_t>(bytes.find(mark)), static_cast<off_t>(mark.size())),
+                0);
+      std::ofstream filler(world.path("memory/filler"), std::ios::binary);
+      while (filler << std::string(4096, 'f') << std::flush) {
+      }
+    }
+    EXPECT_NE(errorOfSecureRemoval(world.path("disk/doomed")), 0);
+    EXPECT_TRUE(fs::exists(world.path("disk/doomed/bad")));
+    EXPECT_NE(errorOfSecureRemoval(world.path("disk/doomed/bad")), 0);
+    EXPECT_TRUE(fs::exists(world.path("disk/doomed/bad")));
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMountDisks;
+}
+
+}  // namespace
+}  // namespace vornix::contract
