@@ -20,9 +20,9 @@ struct RemovefileResult {
 
 // Removes items beyond recovery by reading the disk.
 //
-// Overwritten, with random bytes and over what is allocated to it, is every regular file with one
-// name. Of one with several names only this name goes, and what it holds stays with the others.
-// Links and special files are never opened. Every item gets a random name before it goes. The bytes
+// Overwritten, with random bytes and over what is allocated to it, is every regular file whose last
+// name goes. While it has names elsewhere, what it holds stays with them. Links and special files
+// are never opened. Every item gets a random name before it goes. The bytes
 // are on the disk before a file's name is touched; that the name is gone is on the disk whenever
 // the file system next writes its journal. Nobody can promise that what was there before cannot be
 // read from the medium: file systems that copy on write, keep snapshots or write data to a journal,
@@ -31,7 +31,9 @@ struct RemovefileResult {
 // Never goes beyond a link or into another mounted volume. The first failure ends it; what was
 // removed by then stays removed, and a file at which it ended may have lost what it held. Files are
 // overwritten some at a time, so several of those may have. What somebody else removes meanwhile is
-// no failure, unless it is the item asked for. Any thread.
+// no failure, unless it is the item asked for; but a file that somebody else puts under a name
+// after what was there had been overwritten is kept, and the end: EBUSY. It stays under a random
+// name where its own is taken again at that instant. Any thread.
 class FileRemover {
  public:
   virtual ~FileRemover() = default;
@@ -39,7 +41,8 @@ class FileRemover {
   // Paths are bytes, relative ones start at the current folder; an empty path and one with a zero
   // byte name nothing. A link is removed itself, unless a slash behind it asks for the folder that
   // it leads to. EBUSY for the root and for what others are mounted on, ENOTEMPTY without
-  // REMOVEFILE_RECURSIVE for a folder that is not empty.
+  // REMOVEFILE_RECURSIVE for a folder that is not empty, EFBIG where the process's own limit on the
+  // size of files forbids to overwrite one.
   [[nodiscard]] virtual RemovefileResult removefile(std::string_view path, std::uint32_t flags) = 0;
 };
 

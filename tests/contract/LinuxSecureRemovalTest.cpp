@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <sys/inotify.h>
@@ -21,7 +22,7 @@
 #include "platform/files/FileRemover.h"
 #include "platform/linux/system/FileDescriptor.h"
 #include "tests/contract/support/OnVolume.h"
-#include "tests/contract/support/TreeText.h"
+#include "tests/contract/support/Witness.h"
 
 namespace vornix::contract {
 namespace {
@@ -44,32 +45,6 @@ std::string contentsOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
-
-// Keeps a file that is about to be removed, to see what became of it.
-class Witness {
- public:
-  explicit Witness(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-    EXPECT_TRUE(file_.isOpen()) << path;
-  }
-
-  [[nodiscard]] struct stat status() const {
-    struct stat status {};
-    EXPECT_EQ(fstat(file_.get(), &status), 0);
-    return status;
-  }
-  [[nodiscard]] std::string contents(std::size_t length, off_t at = 0) const {
-    std::string bytes(length, '\0');
-    const ssize_t read = pread(file_.get(), bytes.data(), bytes.size(), at);
-    bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(read, 0)));
-    return bytes;
-  }
-  [[nodiscard]] std::string contents() const {
-    return contents(static_cast<std::size_t>(status().st_size));
-  }
-
- private:
-  FileDescriptor file_;
-};
 
 // No byte more often than chance has it, and none of the mark that stood there.
 void expectRandom(const std::string& bytes, char mark) {
@@ -150,6 +125,52 @@ TEST_P(SecureRemovalOn, LeavesWhatOtherNamesOfAFileStillHold) {
   });
 }
 
+TEST_P(SecureRemovalOn, OverwritesAFileWithItsLastNameWhereTheyAllGo) {
+  play([](LinuxFileWorld& world) {
+    const std::vector<std::vector<std::string>> rows{
+        {"one", "two"},
+        {"one", "two", "three", "inner/four"},
+        {"inner/one", "other/two"},
+        {"a/b/c/one", "a/two", "three"},
+    };
+    for (const auto& names : rows) {
+      for (const std::string& name : names) {
+        world.folder(fs::path("here/doomed/" + name).parent_path());
+        const std::string path = world.path("here/doomed/" + name);
+        if (name == names.front()) {
+          write(path, "what must not stay on the disk");
+        } else {
+          fs::create_hard_link(world.path("here/doomed/" + names.front()), path);
+        }
+        write(path + " beside", "something else");
+      }
+      const Witness witness(world.path("here/doomed/" + names.back()));
+      ASSERT_EQ(witness.status().st_nlink, names.size());
+      EXPECT_EQ(errorOfRemoving(world.path("here/doomed")), 0);
+      EXPECT_FALSE(fs::exists(world.path("here/doomed")));
+      EXPECT_EQ(witness.status().st_nlink, 0U);
+      EXPECT_EQ(witness.contents().size(), 30U);
+      EXPECT_EQ(witness.contents().find("must"), std::string::npos) << names.back();
+    }
+  });
+}
+
+TEST_P(SecureRemovalOn, NeedsToWriteToTheLastNameOfAFile) {
+  if (geteuid() != 0) GTEST_SKIP() << "NOT TESTED: only root can become somebody else";
+  play([](LinuxFileWorld& world) {
+    world.folder("here/doomed");
+    write(world.path("here/doomed/one"), "contents");
+    fs::create_hard_link(world.path("here/doomed/one"), world.path("here/doomed/two"));
+    world.folder("here/others");
+    world.forbidChangesIn("here/others");
+    ASSERT_EQ(chmod(world.path("here/doomed/one").c_str(), 0400), 0);
+    const Witness witness(world.path("here/doomed/one"));
+    EXPECT_EQ(errorOfRemoving(world.path("here/doomed")), EACCES);
+    EXPECT_EQ(witness.status().st_nlink, 1U);
+    EXPECT_EQ(witness.contents(), "contents");
+  });
+}
+
 TEST_P(SecureRemovalOn, RemovesLinksAndSpecialFilesWithoutOpeningThem) {
   play([](LinuxFileWorld& world) {
     world.folder("here/doomed");
@@ -219,6 +240,13 @@ TEST_P(SecureRemovalOn, GivesEveryItemARandomNameBeforeItGoes) {
   });
 }
 
+// In the order in which the folder tells them.
+std::vector<std::string> namesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& item : fs::directory_iterator(folder)) names.push_back(item.path().filename());
+  return names;
+}
+
 TEST_P(SecureRemovalOn, EndsAtTheFirstFailureAndTouchesNothingBehindIt) {
   if (geteuid() != 0) GTEST_SKIP() << "NOT TESTED: only root can become somebody else";
   play([](LinuxFileWorld& world) {
@@ -228,16 +256,15 @@ TEST_P(SecureRemovalOn, EndsAtTheFirstFailureAndTouchesNothingBehindIt) {
             "contents");
     world.folder("here/others");
     world.forbidChangesIn("here/others");
-    ASSERT_EQ(chmod(world.path("here/doomed/77").c_str(), 0400), 0);
+    auto names = namesIn(world.path("here/doomed"));
+    ASSERT_EQ(names.size(), kFiles);
+    const auto failing = names.begin() + kFiles * 2 / 3;
+    ASSERT_EQ(chmod(world.path("here/doomed/" + *failing).c_str(), 0400), 0);
     EXPECT_EQ(errorOfRemoving(world.path("here/doomed")), EACCES);
-    int left = 0;
-    for (const auto& item : fs::directory_iterator(world.path("here/doomed"))) {
-      EXPECT_EQ(contentsOf(item.path()), "contents") << item.path();
-      ++left;
-    }
-    EXPECT_TRUE(fs::exists(world.path("here/doomed/77")));
-    EXPECT_GE(left, 1);
-    EXPECT_LE(left, kFiles);
+    names.erase(names.begin(), failing);
+    EXPECT_THAT(namesIn(world.path("here/doomed")), testing::UnorderedElementsAreArray(names));
+    for (const std::string& name : names)
+      EXPECT_EQ(contentsOf(world.path("here/doomed/" + name)), "contents") << name;
   });
 }
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/files/FileRemover.h"
+#include "platform/linux/system/FileSignals.h"
 
 namespace vornix {
 namespace {
@@ -20,12 +21,12 @@ constexpr std::size_t kMostKeptBytes = 256U << 10U;
 constexpr int kHasEnough = -1;
 constexpr int kIsFolder = -2;
 
-int statusAt(int folder, const char* name, struct stat& status) {
-  return errorOf(fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW));
-}
-
 bool hasOneName(const struct stat& status) {
   return S_ISREG(status.st_mode) && status.st_nlink == 1;
+}
+
+bool hasSeveralNames(const struct stat& status) {
+  return S_ISREG(status.st_mode) && status.st_nlink > 1;
 }
 
 }  // namespace
@@ -36,6 +37,8 @@ SecureRemoval::SecureRemoval(RandomBytes& random, std::uint32_t flags)
       queue_(random, isSecure_) {}
 
 int SecureRemoval::run(ItemPlace place) {
+  // Lest overwriting a file ends the process where a limit forbids it.
+  const FileSignalsAsErrors guard;
   struct stat status {};
   if (const int error = statusAt(place.folder.get(), place.name.c_str(), status)) return error;
   const bool isFolder = S_ISDIR(status.st_mode);
@@ -142,10 +145,18 @@ int SecureRemoval::overwriteAndRemove(const RemovalQueue::Folder& folder, const 
   const int openingError =
       withDescriptors([&] { return openWithin(folder->get(), name, kWriting, file); });
   struct stat status {};
-  const int error = openingError != 0 ? statusAt(folder->get(), name, status)
-                                      : errorOf(fstat(file.get(), &status));
-  if (error != 0) return error;
+  const auto look = [&] {
+    return openingError != 0 ? statusAt(folder->get(), name, status)
+                             : errorOf(fstat(file.get(), &status));
+  };
+  if (const int error = look()) return error;
   if (S_ISDIR(status.st_mode)) return kIsFolder;
+  if (hasSeveralNames(status) && queue_.holdsNameOf(status)) {
+    // This may be the last one, once those met before it are gone.
+    if (const int error = queue_.finish()) return error;
+    if (const int error = look()) return error;
+  }
+  if (hasSeveralNames(status)) return queue_.addName(folder, name, status);
   if (!hasOneName(status) || (openingError == 0 && status.st_size == 0))
     return queue_.add(folder, name, RemovalQueue::Kind::other);
   if (openingError != 0) return openingError;

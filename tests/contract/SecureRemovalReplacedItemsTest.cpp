@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "platform/files/FileRemover.h"
+#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/OnVolume.h"
+#include "tests/contract/support/PausedCall.h"
+
+// Secure removal of items whose names get others at the last instant, as programs do that write a
+// new file and move it to where the old one was.
+namespace vornix::contract {
+namespace {
+
+namespace fs = std::filesystem;
+
+void writeTo(const fs::path& path, const std::string& contents) {
+  EXPECT_TRUE((std::ofstream(path, std::ios::binary) << contents).good()) << path;
+}
+
+std::string readFrom(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Something called "item" that is about to go.
+struct Doomed {
+  const char* name;
+  std::function<void(const fs::path& item)> make;
+};
+
+const std::vector<Doomed> kDoomed{
+    {"file", [](const fs::path& item) { writeTo(item, "contents"); }},
+    {"empty file", [](const fs::path& item) { writeTo(item, ""); }},
+    {"link", [](const fs::path& item) { fs::create_symlink("nowhere", item); }},
+    {"one of two names",
+     [](const fs::path& item) {
+       writeTo(item.parent_path().parent_path() / "other name", "contents");
+       fs::create_hard_link(item.parent_path().parent_path() / "other name", item);
+     }},
+};
+
+class SecureRemovalOfReplacedItems : public OnVolume {
+ protected:
+  void SetUp() override {
+    OnVolume::SetUp();
+    const ForkedProcess trial([] {
+      _exit(playWithPauses(
+                SYS_renameat2, [](int) {}, [] {})
+                ? 0
+                : 1);
+    });
+    if (trial.awaitEnd() != 0) GTEST_SKIP() << kMayNotPause;
+  }
+
+  // Removes each sort of item, and has something happen whenever it, or what it is by then, is
+  // about to get another name; `story` looks at what is left.
+  static void playEach(const std::function<void(const fs::path& item, int number)>& meanwhile,
+                       const std::function<void(const fs::path& item)>& story) {
+    play([&](LinuxFileWorld& world) {
+      for (const Doomed& doomed : kDoomed) {
+        SCOPED_TRACE(doomed.name);
+        const fs::path folder = world.path("here/" + std::string(doomed.name));
+        fs::create_directories(folder / "doomed");
+        const fs::path item = folder / "doomed/item";
+        doomed.make(item);
+        RemovefileResult result;
+        const auto removal = [&] { result = sharedFileRemover().removefile(item.native(), 0x11); };
+        EXPECT_TRUE(playWithPauses(
+            SYS_renameat2, [&](int number) { meanwhile(item, number); }, removal));
+        EXPECT_EQ(result, (RemovefileResult{.value = -1, .errorNumber = EBUSY}));
+        story(item);
+      }
+    });
+  }
+};
+VORNIX_ON_EVERY_VOLUME(SecureRemovalOfReplacedItems);
+
+void replace(const fs::path& item, const std::string& contents) {
+  const fs::path fresh = item.parent_path().parent_path() / "fresh";
+  writeTo(fresh, contents);
+  fs::rename(fresh, item);
+}
+
+TEST_P(SecureRemovalOfReplacedItems, KeepsAFileThatItDidNotOverwrite) {
+  const auto replaceOnce = [](const fs::path& item, int number) {
+    if (number == 0) replace(item, "fresh");
+  };
+  playEach(replaceOnce, [](const fs::path& item) {
+    EXPECT_EQ(readFrom(item), "fresh");
+    EXPECT_EQ(std::distance(fs::directory_iterator(item.parent_path()), {}), 1);
+  });
+}
+
+TEST_P(SecureRemovalOfReplacedItems, KeepsTheFileByAnotherNameWhenItsOwnIsTakenAgain) {
+  const auto replaceTwice = [](const fs::path& item, int number) {
+    replace(item, number == 0 ? "first" : "second");
+  };
+  playEach(replaceTwice, [](const fs::path& item) {
+    EXPECT_EQ(readFrom(item), "second");
+    std::vector<std::string> others;
+    for (const auto& other : fs::directory_iterator(item.parent_path()))
+      if (other.path() != item) others.push_back(readFrom(other.path()));
+    EXPECT_EQ(others, std::vector<std::string>{"first"});
+  });
+}
+
+TEST_P(SecureRemovalOfReplacedItems, KeepsAFileWhoseOtherNamesGoMeanwhile) {
+  play([](LinuxFileWorld& world) {
+    world.folder("here/doomed");
+    writeTo(world.path("here/doomed/item"), "contents");
+    fs::create_hard_link(world.path("here/doomed/item"), world.path("here/other"));
+    RemovefileResult result;
+    EXPECT_TRUE(playWithPauses(
+        SYS_renameat2, [&](int) { fs::remove(world.path("here/other")); },
+        [&] { result = sharedFileRemover().removefile(world.path("here/doomed"), 0x11); }));
+    EXPECT_EQ(result, (RemovefileResult{.value = -1, .errorNumber = EBUSY}));
+    EXPECT_EQ(readFrom(world.path("here/doomed/item")), "contents");
+  });
+}
+
+}  // namespace
+}  // namespace vornix::contract
