@@ -1,24 +1,29 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/files/FileRemover.h"
 #include "platform/linux/system/FileDescriptor.h"
 #include "tests/contract/ForkedProcess.h"
 #include "tests/contract/support/DeepTree.h"
+#include "tests/contract/support/FailingCall.h"
 #include "tests/contract/support/OnVolume.h"
 #include "tests/contract/support/PeakMemory.h"
 #include "tests/contract/support/TreeText.h"
@@ -91,6 +96,21 @@ TEST_P(SecureRemovalTrouble, GoesOnWhenDescriptorsRunOut) {
   });
 }
 
+TEST_P(SecureRemovalTrouble, FailsWhereALimitOnTheSizeOfFilesForbidsToOverwrite) {
+  play([](LinuxFileWorld& world) {
+    world.folder("here/doomed");
+    writeBytes(world.path("here/doomed/large"), std::string(100'000, 'M'));
+    ASSERT_EQ(std::signal(SIGXFSZ, SIG_DFL), SIG_DFL);
+    const rlimit small{.rlim_cur = 4096, .rlim_max = RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    for (const char* name : {"here/doomed", "here/doomed/large"}) {
+      EXPECT_EQ(sharedFileRemover().removefile(world.path(name), 0x11),
+                (RemovefileResult{.value = -1, .errorNumber = EFBIG}));
+      EXPECT_EQ(fs::file_size(world.path("here/doomed/large")), 100'000U);
+    }
+  });
+}
+
 TEST_P(SecureRemovalTrouble, TakesWhatAnotherProcessRemovesMeanwhileForRemoved) {
   play([](LinuxFileWorld& world) {
     const std::string both = world.path("here/both");
@@ -111,74 +131,103 @@ TEST_P(SecureRemovalTrouble, TakesWhatAnotherProcessRemovesMeanwhileForRemoved) 
   });
 }
 
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+constexpr int kSwaps = 10'000;
+#else
+constexpr int kSwaps = 100'000;
+#endif
+
 // Folders and files to be removed, links to what must stay, and a process that exchanges them.
 class SwappedItems {
  public:
-  explicit SwappedItems(LinuxFileWorld& world) : world_(world) {
-    for (const char* name : {"here/canary/file", "here/canary/sub/file"}) {
+  // Those of these names in a folder; of "file" and more, a name is a file's.
+  SwappedItems(LinuxFileWorld& world, const std::string& folder, std::vector<std::string> names)
+      : world_(world), folder_(world.path(folder)), names_(std::move(names)) {
+    for (const char* name : {"here/canary/alone", "here/canary/sub/file", "here/canary/shared"}) {
       world.file(name);
       writeBytes(world.path(name), "what must stay as it is");
     }
-    fs::create_hard_link(world.path("here/canary/file"), otherName_);
+    fs::create_hard_link(shared_, world.path("here/canary/other-name"));
     world.folder("here/links");
     renew();
   }
 
-  // As a process's whole life. Ends with 0 when a good part of the swaps worked.
+  // As a process's whole life, which is over when so many exchanges were made.
   [[noreturn]] void swap(int times) const {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     int swaps = 0;
-    for (int number = 0; number < times; ++number) {
-      const std::string& name = kNames[static_cast<std::size_t>(number) % kNames.size()];
-      swaps += renameat2(AT_FDCWD, (doomed_ / name).c_str(), AT_FDCWD, (links_ / name).c_str(),
+    for (std::size_t number = 0; swaps < times; ++number) {
+      const std::string& name = names_[number % names_.size()];
+      swaps += renameat2(AT_FDCWD, (folder_ / name).c_str(), AT_FDCWD, (links_ / name).c_str(),
                          RENAME_EXCHANGE) == 0;
-      if (number % 16 == 0) (void)link(otherName_.c_str(), (doomed_ / "planted").c_str());
+      if (number % 16 == 0) (void)link(shared_.c_str(), (folder_ / "planted").c_str());
     }
-    _exit(swaps > times / 50 ? 0 : 1);
+    _exit(0);
   }
 
   // Makes what is missing, where nothing is swapped, and moves it to its place.
   void renew() const {
-    world_.folder("here/doomed");
-    for (const std::string& name : kNames) {
+    fs::create_directories(folder_);
+    for (const std::string& name : names_) {
       std::error_code taken;
       const fs::path fresh = world_.path("here/fresh/" + name);
       const bool isFile = name.starts_with("file");
       if (!isFile) world_.file("here/fresh/" + name + "/sub/deeper/file");
       world_.folder("here/fresh");
       writeBytes(isFile ? fresh : fresh / "sub/file", "doomed");
-      fs::rename(fresh, doomed_ / name, taken);
+      fs::rename(fresh, folder_ / name, taken);
       // What was exchanged for a link that is gone now.
       if (!fs::is_symlink(links_ / name)) fs::remove_all(links_ / name, taken);
       // From where the kernel would not say that they lead to another volume.
-      fs::create_symlink(isFile ? "../canary/file" : "../canary", links_ / name, taken);
+      const fs::path target = canary_.lexically_relative(folder_);
+      fs::create_symlink(isFile ? target / "alone" : target, links_ / name, taken);
     }
   }
-  [[nodiscard]] const std::string& doomed() const { return doomed_.native(); }
 
- private:
-  static inline const std::vector<std::string> kNames{"0", "1", "2", "file 0", "file 1"};
-
-  LinuxFileWorld& world_;
-  const fs::path doomed_ = world_.path("here/doomed");
-  const fs::path links_ = world_.path("here/links");
-  const std::string otherName_ = world_.path("here/other-name");
-};
-
-TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForAgainAndAgain) {
-  // In memory, rounds are shorter and more.
-  const int swaps = GetParam() == KindOfVolume::ext4 ? 100'000 : 30'000;
-  play([swaps](LinuxFileWorld& world) {
-    const SwappedItems items(world);
-    const std::string canary = textOfTree(world.path("here/canary"));
-    const ForkedProcess swapper([&items, swaps] { items.swap(swaps); });
+  // Removes the path again and again, while another process swaps.
+  void race(const std::string& path) const {
+    const std::string canary = textOfTree(canary_);
+    const ForkedProcess swapper([this] { swap(kSwaps); });
     int status = 0;
     while (waitpid(-1, &status, WNOHANG) == 0) {
-      (void)errorOfSecureRemoval(items.doomed());
-      ASSERT_EQ(textOfTree(world.path("here/canary")), canary);
-      items.renew();
+      (void)errorOfSecureRemoval(path);
+      ASSERT_EQ(textOfTree(canary_), canary);
+      renew();
     }
-    EXPECT_EQ(status, 0) << "the other process hardly ever swapped anything";
+    EXPECT_EQ(status, 0);
+  }
+
+ private:
+  LinuxFileWorld& world_;
+  const fs::path folder_;
+  const std::vector<std::string> names_;
+  const fs::path links_ = world_.path("here/links");
+  const fs::path canary_ = world_.path("here/canary");
+  const fs::path shared_ = canary_ / "shared";
+};
+
+const std::vector<std::string> kSwappedNames{"0", "1", "2", "file 0", "file 1"};
+
+TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForAgainAndAgain) {
+  play([](LinuxFileWorld& world) {
+    SwappedItems(world, "here/doomed", kSwappedNames).race(world.path("here/doomed"));
   });
+}
+
+TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForWhereTheKernelKeepsNobodyWithin) {
+  play([](LinuxFileWorld& world) {
+    const SwappedItems items(world, "here/doomed", kSwappedNames);
+    failSystemCall(SYS_openat2, ENOSYS);
+    items.race(world.path("here/doomed"));
+  });
+}
+
+TEST_P(SecureRemovalTrouble, NeverTouchesWhatTheItemItselfIsSwappedForAgainAndAgain) {
+  for (const char* name : {"folder", "file"}) {
+    play([name](LinuxFileWorld& world) {
+      SwappedItems(world, "here", {name}).race(world.path("here") + "/" + name);
+    });
+  }
 }
 
 TEST(LinuxSecureRemoval, LeavesAloneWhatIsMountedBelowAFolder) {

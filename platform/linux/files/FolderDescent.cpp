@@ -40,7 +40,8 @@ int openWithin(int folder, const char* name, int flags, FileDescriptor& item) {
     return 0;
   }
   // Sandboxes that do not know the call refuse it in either way.
-  if (errno == ENOSYS || errno == EPERM) return openOnSameDevice(folder, name, flags, item);
+  if (errno == ENOSYS || errno == EPERM)
+    return openOnSameDevice(folder, name, flags | O_NOFOLLOW | O_CLOEXEC, item);
   return errno == EXDEV ? EBUSY : errno;
 }
 

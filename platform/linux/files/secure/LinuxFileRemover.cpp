@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -9,26 +10,41 @@
 #include "platform/linux/files/ItemPlace.h"
 #include "platform/linux/files/secure/RandomBytes.h"
 #include "platform/linux/files/secure/SecureRemoval.h"
+#include "platform/linux/system/FileDescriptor.h"
 #include "platform/linux/system/ResolvedPath.h"
 
 namespace vornix {
 namespace {
 
-bool isLinkOrDots(const std::string& path) {
-  const std::string item(text::withoutTrailingSlashes(path));
-  const std::string name = text::lastPathComponent(item);
-  struct stat status {};
-  return name == "." || name == ".." ||
-         (lstat(item.c_str(), &status) == 0 && S_ISLNK(status.st_mode));
+bool asksForFolder(const std::string& path) {
+  const std::string name = text::lastPathComponent(path);
+  return path.ends_with('/') || name == "." || name == "..";
 }
 
-// A folder's path may lead to it in ways that do not name it.
-int findItem(const std::string& path, ItemPlace& place) {
-  struct stat status {};
-  if (lstat(path.c_str(), &status) != 0) return errno;
-  if (!S_ISDIR(status.st_mode) || !isLinkOrDots(path)) return findPlace(path, place);
+bool standsAt(int folder, const ItemPlace& place) {
+  struct stat wanted {};
+  struct stat found {};
+  return fstat(folder, &wanted) == 0 &&
+         fstatat(place.folder.get(), place.name.c_str(), &found, AT_SYMLINK_NOFOLLOW) == 0 &&
+         wanted.st_dev == found.st_dev && wanted.st_ino == found.st_ino;
+}
+
+// The path may lead to the folder by a link, or in ways that do not name it.
+int findFolder(const std::string& path, ItemPlace& place) {
+  const FileDescriptor folder(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!folder.isOpen()) return errno;
+  if (findPlace(path, place) == 0 && standsAt(folder.get(), place)) return 0;
   const auto resolved = resolvedPath(path);
-  return resolved ? findPlace(*resolved, place) : errno;
+  if (!resolved) return errno;
+  if (const int error = findPlace(*resolved, place)) return error;
+  // Else the path leads elsewhere since.
+  return standsAt(folder.get(), place) ? 0 : EBUSY;
+}
+
+// Only the path's own words decide whether a link at its end is followed: what stands there now may
+// be swapped for one before the next look.
+int findItem(const std::string& path, ItemPlace& place) {
+  return asksForFolder(path) ? findFolder(path, place) : findPlace(path, place);
 }
 
 int removeWithFlags(std::string_view path, std::uint32_t flags) {
