@@ -43,7 +43,7 @@ namespace vornix {
 [[nodiscard]] std::string uniquePathForPath(const NSFileManager& self, std::string_view path);
 
 // Whether the folder holds anything, an empty folder included; with `ignoreSymLinks` anything but
-// links.
+// links. What cannot be looked at does not count.
 [[nodiscard]] bool containsAnyFileAtPath(const NSFileManager& self, std::string_view path,
                                          bool ignoreSymLinks);
 

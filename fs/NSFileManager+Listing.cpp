@@ -96,9 +96,9 @@ bool containsAnyFileAtPath(const NSFileManager& self, std::string_view path, boo
   // A folder counts whatever it holds, so nothing below one has to be looked at.
   auto items = self.enumeratorAtPath(path);
   while (const auto item = items.nextObject()) {
-    if (!ignoreSymLinks) return true;
     const auto status = self.attributesOfItemAtPath(text::appendingPathComponent(path, *item));
-    if (!status || status->type != FileType::symbolicLink) return true;
+    if (!status) continue;
+    if (!ignoreSymLinks || status->type != FileType::symbolicLink) return true;
   }
   return false;
 }

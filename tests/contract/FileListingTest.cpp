@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <set>
@@ -138,6 +140,20 @@ TYPED_TEST(FileListing, CountsAFolderOfNothingButLinksAsContent) {
     world.link("top/folder/link", "missing");
     EXPECT_TRUE(containsAnyFileAtPath(world.files(), world.path("top"), true));
     EXPECT_FALSE(containsAnyFileAtPath(world.files(), world.path("top/folder"), true));
+  });
+}
+
+TYPED_TEST(FileListing, CountsNothingThatCannotBeLookedAtAsContent) {
+  if (geteuid() != 0) GTEST_SKIP() << "NOT TESTED: only root can become somebody else";
+  TypeParam::play([](TypeParam& world) {
+    world.file("top/file");
+    world.folder("top/folder");
+    world.folder("unused");
+    world.forbidChangesIn("unused");
+    EXPECT_TRUE(containsAnyFileAtPath(world.files(), world.path("top"), true));
+    ASSERT_EQ(chmod(world.path("top").c_str(), 0444), 0);
+    for (const bool ignoresLinks : {true, false})
+      EXPECT_FALSE(containsAnyFileAtPath(world.files(), world.path("top"), ignoresLinks));
   });
 }
 

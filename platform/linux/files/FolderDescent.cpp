@@ -13,7 +13,7 @@ namespace vornix {
 namespace {
 
 constexpr int kSubfolderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-constexpr std::size_t kMostOpenFolders = 32;
+constexpr std::size_t kMostOpenAbove = 31;
 
 // For systems without the call that does it at once; does not see what is bound from the same
 // volume.
@@ -55,8 +55,13 @@ FolderDescent::FolderDescent(FileDescriptor top) {
 
 int FolderDescent::descend(const std::string& name) {
   FileDescriptor below;
-  if (const int error = openSubfolder(folder(), name.c_str(), below)) return error;
-  if (const int error = closeDistant()) return error;
+  int error = openSubfolder(folder(), name.c_str(), below);
+  if (error == EMFILE || error == ENFILE) {
+    if (closeAbove(0) != 0) return error;
+    error = openSubfolder(folder(), name.c_str(), below);
+  }
+  if (error != 0) return error;
+  if (const int closingError = closeAbove(kMostOpenAbove)) return closingError;
   levels_.push_back({std::move(below)});
   return 0;
 }
@@ -80,15 +85,22 @@ int FolderDescent::prepareToAscend() {
   return 0;
 }
 
-int FolderDescent::closeDistant() {
-  if (levels_.size() < kMostOpenFolders) return 0;
-  Level& distant = levels_[levels_.size() - kMostOpenFolders];
-  if (!distant.folder.isOpen()) return 0;
+int FolderDescent::closeAbove(std::size_t kept) {
+  const std::size_t above = levels_.size() - 1;
+  std::size_t end = above > kept ? above - kept : 0;
+  // Those further out than a closed one are closed, too.
+  while (end > 0 && levels_[end - 1].folder.isOpen()) {
+    if (const int error = close(levels_[--end])) return error;
+  }
+  return 0;
+}
+
+int FolderDescent::close(Level& level) {
   struct stat status {};
-  if (fstat(distant.folder.get(), &status) != 0) return errno;
-  distant.device = status.st_dev;
-  distant.inode = status.st_ino;
-  distant.folder = FileDescriptor();
+  if (fstat(level.folder.get(), &status) != 0) return errno;
+  level.device = status.st_dev;
+  level.inode = status.st_ino;
+  level.folder = FileDescriptor();
   return 0;
 }
 

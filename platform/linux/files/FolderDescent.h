@@ -18,7 +18,8 @@ namespace vornix {
 [[nodiscard]] int openSubfolder(int folder, const char* name, FileDescriptor& subfolder);
 
 // A way down into folders and up again that never leaves the tree it began in, whatever is moved
-// or swapped for a link meanwhile. Keeps few descriptors open, however deep it goes.
+// or swapped for a link meanwhile. Keeps few descriptors open, however deep it goes, and
+// only the folder reached where there are no more.
 class FolderDescent {
  public:
   explicit FolderDescent(FileDescriptor top);
@@ -43,7 +44,9 @@ class FolderDescent {
     ino_t inode = 0;
   };
 
-  [[nodiscard]] int closeDistant();
+  // All folders above the one reached but so many of the nearest.
+  [[nodiscard]] int closeAbove(std::size_t kept);
+  [[nodiscard]] static int close(Level& level);
 
   std::vector<Level> levels_;
 };
