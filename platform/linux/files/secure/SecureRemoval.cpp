@@ -21,6 +21,10 @@ constexpr std::size_t kMostKeptBytes = 256U << 10U;
 constexpr int kHasEnough = -1;
 constexpr int kIsFolder = -2;
 
+unsigned char typeOf(const struct stat& status) {
+  return static_cast<unsigned char>(IFTODT(status.st_mode));
+}
+
 bool hasOneName(const struct stat& status) {
   return S_ISREG(status.st_mode) && status.st_nlink == 1;
 }
@@ -49,7 +53,7 @@ int SecureRemoval::run(ItemPlace place) {
   queue_.expectItems();
   const auto folder = std::make_shared<const FileDescriptor>(std::move(place.folder));
   const int error = isFolder ? queue_.add(folder, place.name, RemovalQueue::Kind::folder)
-                             : removeOther(folder, place.name.c_str(), IFTODT(status.st_mode));
+                             : removeOther(folder, place.name.c_str(), typeOf(status));
   if (error == kIsFolder) return EISDIR;
   return error != 0 ? error : queue_.finish();
 }
@@ -131,7 +135,7 @@ int SecureRemoval::removeOther(const RemovalQueue::Folder& folder, const char* n
   if (type == DT_UNKNOWN) {
     struct stat status {};
     if (const int error = statusAt(folder->get(), name, status)) return error;
-    type = static_cast<unsigned char>(IFTODT(status.st_mode));
+    type = typeOf(status);
     if (type == DT_DIR) return kIsFolder;
   }
   if (isSecure_ && type == DT_REG) return overwriteAndRemove(folder, name);
