@@ -16,12 +16,13 @@ class FolderReader {
   // From where the folder's descriptor stands on; `visit(name, type)` gets each name, which ends in
   // a zero byte and is valid during the call, with its type as <dirent.h> names it, DT_UNKNOWN
   // where the file system does not tell. Ends at the first answer that is not 0, and gives it back;
-  // what else had been read by then is not seen again. Else 0, or the system's error number.
+  // what else had been read by then is not seen again. Else 0, or the system's error number. A
+  // folder that somebody has removed since it was opened holds nothing.
   template <typename Visit>
   [[nodiscard]] int read(int folder, Visit visit) {
     for (;;) {
       const ssize_t length = getdents64(folder, buffer_.data(), buffer_.size());
-      if (length <= 0) return length == 0 ? 0 : errno;
+      if (length <= 0) return length == 0 || errno == ENOENT ? 0 : errno;
       for (ssize_t at = 0; at < length;) {
         const auto* entry = reinterpret_cast<const dirent64*>(buffer_.data() + at);
         at += entry->d_reclen;

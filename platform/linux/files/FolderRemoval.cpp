@@ -15,8 +15,8 @@
 namespace vornix {
 namespace {
 
-// How often a folder in which something is left is looked through once more.
-constexpr int kMostRepetitions = 100;
+// How often one folder in which something is left is looked through.
+constexpr int kMostAttempts = 100;
 // Folders' names kept for a level; more of them are found when the folder is read again.
 constexpr std::size_t kMostNameBytes = 256U << 10U;
 constexpr int kEnoughNames = -1;
@@ -28,6 +28,12 @@ int statusOf(int folder, const std::string& name, struct stat& status) {
 bool isFolderIn(int folder, const char* name) {
   struct stat status {};
   return statusOf(folder, name, status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// One that may not be read goes all the same when it is empty.
+int removeUnreadable(int folder, const std::string& name, int error) {
+  const int answer = errorOf(unlinkat(folder, name.c_str(), AT_REMOVEDIR));
+  return answer == 0 || answer == ENOENT ? 0 : error;
 }
 
 class TreeRemoval {
@@ -53,7 +59,8 @@ class TreeRemoval {
     // Still to be removed.
     NameStack folders{};
     bool hasMore = false;
-    int repetitions = 0;
+    // At the folder that is removed now.
+    int attempts = 0;
   };
 
   [[nodiscard]] bool isEmptied() const {
@@ -93,23 +100,24 @@ class TreeRemoval {
       levels_.push_back({.name = std::move(name)});
       return readFolder();
     }
+    levels_.back().attempts = 0;
     if (error == ENOENT) return 0;
     // Swapped for something else since it was read.
     if (error == ENOTDIR || error == ELOOP) return removeSwapped(name);
-    // One that may not be read goes all the same when it is empty.
-    return unlinkat(descent_.folder(), name.c_str(), AT_REMOVEDIR) == 0 ? 0 : error;
+    return removeUnreadable(descent_.folder(), name, error);
   }
 
   int leave() {
     const std::string name = std::move(levels_.back().name);
     levels_.pop_back();
-    if (const int error = descent_.ascend()) return error;
+    if (const int error = descent_.ascend()) return error == ENOENT ? EBUSY : error;
     const int error = errorOf(unlinkat(descent_.folder(), name.c_str(), AT_REMOVEDIR));
     // Filled meanwhile, or by a file system that leaves entries out while others are removed.
-    if (error == ENOTEMPTY && ++levels_.back().repetitions < kMostRepetitions) {
+    if (error == ENOTEMPTY && ++levels_.back().attempts < kMostAttempts) {
       levels_.back().folders.push(name);
       return 0;
     }
+    levels_.back().attempts = 0;
     if (error == ENOTDIR) return removeSwapped(name);
     return error == ENOENT ? 0 : error;
   }
@@ -126,12 +134,14 @@ class TreeRemoval {
 };
 
 int removeFolderIn(int folder, const std::string& name) {
-  FileDescriptor opened;
-  if (const int error = openSubfolder(folder, name.c_str(), opened)) {
-    return unlinkat(folder, name.c_str(), AT_REMOVEDIR) == 0 ? 0 : error;
+  for (int attempts = 1;; ++attempts) {
+    FileDescriptor opened;
+    if (const int error = openSubfolder(folder, name.c_str(), opened))
+      return error == ENOENT ? error : removeUnreadable(folder, name, error);
+    if (const int error = TreeRemoval(std::move(opened)).run()) return error;
+    const int error = errorOf(unlinkat(folder, name.c_str(), AT_REMOVEDIR));
+    if (error != ENOTEMPTY || attempts == kMostAttempts) return error;
   }
-  const int error = TreeRemoval(std::move(opened)).run();
-  return error != 0 ? error : errorOf(unlinkat(folder, name.c_str(), AT_REMOVEDIR));
 }
 
 }  // namespace
