@@ -1,6 +1,5 @@
 #include <exception>
 #include <string>
-#include <vector>
 
 #include "fs/NSFileManager+FileModificationsAdditions.h"
 #include "logging/GTMLogger.h"
@@ -10,13 +9,37 @@
 namespace vornix {
 namespace {
 
-std::optional<std::vector<NSURL>> childrenOf(NSFileManager& files, std::string_view path,
-                                             std::optional<NSError>& error) {
-  // As a URL the empty path would be the current folder.
-  if (!path.empty())
-    return files.contentsOfDirectoryAtURL(NSURL::fileURLWithPath(path, files), 0, &error);
-  (void)files.contentsOfDirectoryAtPath(path, &error);
-  return std::nullopt;
+// `remove` is one attempt.
+template <typename Remove>
+bool removeUnlocking(NSFileManager& files, std::string_view path, Remove remove,
+                     std::optional<NSError>* error) {
+  std::optional<NSError> failure;
+  if (remove(&failure) || failure->code == NSFileNoSuchFileError) return true;
+  if (failure->code != NSFileWriteNoPermissionError) {
+    GTMLogger::sharedLogger()->logDebug("An error occured while removing file at path (%@): %@",
+                                        path, *failure);
+  }
+  tryToUnlockFileIfNeeded(files, text::deletingLastPathComponent(path));
+  tryToUnlockFileIfNeeded(files, path);
+  const bool isRemoved = remove(&failure);
+  if (error != nullptr) *error = failure;
+  return isRemoved;
+}
+
+// As a URL the empty path would be the current folder.
+std::string wholePath(std::string_view path, const NSFileManager& files) {
+  return path.empty() ? std::string() : NSURL::fileURLWithPath(path, files).path();
+}
+
+// Children are removed from the folder that was listed, whatever comes to stand at its path.
+bool removeChild(NSFileManager& files, HeldFolder& folder, const std::string& name) {
+  const std::string path = text::appendingPathComponent(folder.path(), name);
+  return removeUnlocking(
+      files, path,
+      [&](std::optional<NSError>* failure) {
+        return NSFileManager::removeItem(name, folder, failure);
+      },
+      nullptr);
 }
 
 }  // namespace
@@ -39,17 +62,9 @@ bool truncateFileAtPath(NSFileManager& self, std::string_view path) {
 }
 
 bool removeFileAtPath(NSFileManager& self, std::string_view path, std::optional<NSError>* error) {
-  std::optional<NSError> failure;
-  if (self.removeItemAtPath(path, &failure) || failure->code == NSFileNoSuchFileError) return true;
-  if (failure->code != NSFileWriteNoPermissionError) {
-    GTMLogger::sharedLogger()->logDebug("An error occured while removing file at path (%@): %@",
-                                        path, *failure);
-  }
-  tryToUnlockFileIfNeeded(self, text::deletingLastPathComponent(path));
-  tryToUnlockFileIfNeeded(self, path);
-  const bool isRemoved = self.removeItemAtPath(path, &failure);
-  if (error != nullptr) *error = failure;
-  return isRemoved;
+  return removeUnlocking(
+      self, path,
+      [&](std::optional<NSError>* failure) { return self.removeItemAtPath(path, failure); }, error);
 }
 
 bool tryToUnlockFileIfNeeded(NSFileManager& self, std::string_view path) {
@@ -71,15 +86,16 @@ bool tryToUnlockFileIfNeeded(NSFileManager& self, std::string_view path) {
 
 bool removeContentsOfDirectoryAtPath(NSFileManager& self, std::string_view path) {
   std::optional<NSError> error;
-  const auto children = childrenOf(self, path, error);
-  if (!children) {
+  std::string names;
+  const auto folder = self.holdDirectoryAtPath(wholePath(path, self), names, &error);
+  if (!folder) {
     GTMLogger::sharedLogger()->logDebug(
         "Error: failed to get contents of directory %@ with error %@", path, *error);
     return false;
   }
   bool areAllRemoved = true;
-  for (const NSURL& child : *children) {
-    const bool isRemoved = removeFileAtPath(self, child.path());
+  for (std::size_t at = 0; at < names.size(); at = names.find('\0', at) + 1) {
+    const bool isRemoved = removeChild(self, *folder, names.c_str() + at);
     areAllRemoved = areAllRemoved && isRemoved;
   }
   return areAllRemoved;

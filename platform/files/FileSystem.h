@@ -38,6 +38,26 @@ struct FolderItem {
   bool isFolder = false;
 };
 
+// A folder that stays the same one, whatever comes to stand at its path meanwhile. Operations
+// answer as those of a file system. One thread at a time.
+class HeldFolder {
+ public:
+  explicit HeldFolder(std::string_view path) : path_(path) {}
+  virtual ~HeldFolder() = default;
+  HeldFolder(const HeldFolder&) = delete;
+  HeldFolder& operator=(const HeldFolder&) = delete;
+
+  // The path that led to it.
+  [[nodiscard]] const std::string& path() const { return path_; }
+  // The names of what it holds now, in its own order, each with a zero byte behind it.
+  [[nodiscard]] virtual int list(std::string& names) const = 0;
+  // An item of it, as `FileSystem::remove` does.
+  [[nodiscard]] virtual int remove(const std::string& name) = 0;
+
+ private:
+  const std::string path_;
+};
+
 // What can be done to the items of a file system. Paths are bytes, relative ones start at the
 // current folder; an empty path and one with a zero byte name nothing. Operations answer 0, or the
 // system's error number (as <cerrno> names it) and have then left their results alone. Any thread.
@@ -61,6 +81,9 @@ class FileSystem {
   [[nodiscard]] virtual int makeFolder(std::string_view path, std::uint32_t permissions) = 0;
   // The same for an empty file, with all permissions that the mask leaves but those to execute.
   [[nodiscard]] virtual int makeFile(std::string_view path) = 0;
+  // Holds on to the folder at the path, or at the end of a link there; ENOTDIR for anything else.
+  [[nodiscard]] virtual int holdFolder(std::string_view path,
+                                       std::unique_ptr<HeldFolder>& folder) const = 0;
   // A folder goes with all that is in it, a link by itself: nothing beyond a link is ever touched.
   // The first failure ends it; what was removed stays removed. EINVAL for names that end in "." or
   // "..", EBUSY for the root.
@@ -73,7 +96,8 @@ class FileSystem {
   [[nodiscard]] virtual int move(std::string_view source, std::string_view destination) = 0;
   // Sets or clears the flag. Clearing it where there cannot be one, as of a link, does nothing.
   [[nodiscard]] virtual int setImmutable(std::string_view path, bool isImmutable) = 0;
-  // Absolute; "/" where it cannot be told.
+  // Absolute; empty where it cannot be told, as when it has been removed: relative paths then name
+  // nothing.
   [[nodiscard]] virtual std::string currentFolder() const = 0;
 };
 

@@ -74,6 +74,11 @@ bool namesFile(const NSURL& url, std::optional<NSError>* error) {
   return url.isFileURL();
 }
 
+bool removed(int number, std::string_view path, std::optional<NSError>* error) {
+  // Somebody keeps filling the folder.
+  return succeeded(number == ENOTEMPTY ? EPERM : number, writingCode, path, error);
+}
+
 }  // namespace
 
 NSFileManager& NSFileManager::defaultManager() {
@@ -198,10 +203,22 @@ bool NSFileManager::createFileAtPath(std::string_view path) {
 }
 
 bool NSFileManager::removeItemAtPath(std::string_view path, std::optional<NSError>* error) {
-  int number = fileSystem_.remove(path);
-  // Somebody keeps filling the folder.
-  if (number == ENOTEMPTY) number = EPERM;
-  return succeeded(number, writingCode, path, error);
+  return removed(fileSystem_.remove(path), path, error);
+}
+
+std::unique_ptr<HeldFolder> NSFileManager::holdDirectoryAtPath(
+    std::string_view path, std::string& names, std::optional<NSError>* error) const {
+  std::unique_ptr<HeldFolder> folder;
+  int number = fileSystem_.holdFolder(path, folder);
+  if (number == 0) number = folder->list(names);
+  return succeeded(number, readingCode, path, error) ? std::move(folder) : nullptr;
+}
+
+bool NSFileManager::removeItem(const std::string& name, HeldFolder& ofDirectory,
+                               std::optional<NSError>* error) {
+  const int number = ofDirectory.remove(name);
+  return number == 0 ||
+         removed(number, text::appendingPathComponent(ofDirectory.path(), name), error);
 }
 
 bool NSFileManager::setAttributes(const Dictionary& attributes, std::string_view ofItemAtPath,

@@ -91,6 +91,14 @@ class NSFileManager {
   // A folder goes with all that is in it, a link by itself. What had been removed before a failure
   // stays removed.
   bool removeItemAtPath(std::string_view path, std::optional<NSError>* error = nullptr);
+  // Holds on to a folder, or to the folder that a link leads to, so that its own items are removed
+  // whatever comes to stand at its path; null when there is none or it cannot be read. `names` gets
+  // those of what it holds, each with a zero byte behind it.
+  [[nodiscard]] std::unique_ptr<HeldFolder> holdDirectoryAtPath(
+      std::string_view path, std::string& names, std::optional<NSError>* error = nullptr) const;
+  // As `removeItemAtPath`, and with the same errors.
+  static bool removeItem(const std::string& name, HeldFolder& ofDirectory,
+                         std::optional<NSError>* error = nullptr);
   // A folder goes with all that is in it, a link by itself. Nothing is ever replaced: what stands
   // at the destination is the error, whatever else is wrong. To another volume the item is copied,
   // and removed here once it is safely there; a copy that fails is removed again. The error's path
@@ -109,6 +117,7 @@ class NSFileManager {
   // The standard directory search, as folders' URLs.
   [[nodiscard]] std::vector<NSURL> URLsForDirectory(NSSearchPathDirectory kind,
                                                     NSSearchPathDomainMask inDomains) const;
+  // Empty where it cannot be told.
   [[nodiscard]] std::string currentDirectoryPath() const { return fileSystem_.currentFolder(); }
   [[nodiscard]] const StandardDirectories& standardDirectories() const { return directories_; }
 

@@ -54,7 +54,8 @@ std::string_view pathPartOf(std::string_view url) {
 
 std::string absolute(std::string_view path, const NSFileManager& files) {
   if (path.starts_with('/')) return std::string(path);
-  return text::appendingPathComponent(files.currentDirectoryPath(), path);
+  const std::string current = files.currentDirectoryPath();
+  return current.empty() ? current : text::appendingPathComponent(current, path);
 }
 
 bool isFolder(const std::string& path, const NSFileManager& files) {
@@ -70,15 +71,19 @@ NSURL NSURL::fileURLWithPath(std::string_view path) {
 
 NSURL NSURL::fileURLWithPath(std::string_view path, const NSFileManager& files) {
   const std::string whole = absolute(path, files);
-  return fileURLWithPath(whole, path.ends_with('/') || isFolder(whole, files));
+  return ofFile(whole, path.ends_with('/') || isFolder(whole, files));
 }
 
 NSURL NSURL::fileURLWithPath(std::string_view path, bool isDirectory) {
+  return ofFile(absolute(path, NSFileManager::defaultManager()), isDirectory);
+}
+
+NSURL NSURL::ofFile(std::string_view path, bool isDirectory) {
   NSURL url;
-  url.path_ = text::withoutTrailingSlashes(absolute(path, NSFileManager::defaultManager()));
-  url.text_ = text::fileUrlWithPath(url.path_, isDirectory).value_or(std::string());
+  url.path_ = text::withoutTrailingSlashes(path);
+  url.text_ = text::fileUrlWithPath(url.path_, isDirectory).value_or("file://");
   url.isFileURL_ = true;
-  url.hasDirectoryPath_ = url.text_.ends_with('/');
+  url.hasDirectoryPath_ = !url.path_.empty() && url.text_.ends_with('/');
   return url;
 }
 
@@ -101,14 +106,14 @@ NSURL NSURL::URLByAppendingPathComponent(std::string_view component) const {
 
 NSURL NSURL::URLByAppendingPathComponent(std::string_view component,
                                          const NSFileManager& files) const {
-  if (!isFileURL_) return *this;
+  if (!isFileURL_ || path_.empty()) return *this;
   const std::string whole = text::appendingPathComponent(path_, component);
-  return fileURLWithPath(whole, component.ends_with('/') || isFolder(whole, files));
+  return ofFile(whole, component.ends_with('/') || isFolder(whole, files));
 }
 
 NSURL NSURL::URLByAppendingPathComponent(std::string_view component, bool isDirectory) const {
-  if (!isFileURL_) return *this;
-  return fileURLWithPath(text::appendingPathComponent(path_, component), isDirectory);
+  if (!isFileURL_ || path_.empty()) return *this;
+  return ofFile(text::appendingPathComponent(path_, component), isDirectory);
 }
 
 bool NSURL::checkResourceIsReachableAndReturnError(std::optional<NSError>* error) const {

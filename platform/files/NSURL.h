@@ -17,8 +17,9 @@ class NSFileManager;
 // manager to ask; without one they ask the process's own.
 class NSURL {
  public:
-  // A relative path starts at the current folder. The URL is a folder's when `isDirectory` says so,
-  // or, without it, when the path ends in a slash or a folder stands there now.
+  // A relative path starts at the current folder; where that cannot be told, as when it has been
+  // removed, the URL has no path and names nothing. The URL is a folder's when `isDirectory` says
+  // so, or, without it, when the path ends in a slash or a folder stands there now.
   [[nodiscard]] static NSURL fileURLWithPath(std::string_view path);
   [[nodiscard]] static NSURL fileURLWithPath(std::string_view path, const NSFileManager& files);
   [[nodiscard]] static NSURL fileURLWithPath(std::string_view path, bool isDirectory);
@@ -26,7 +27,8 @@ class NSURL {
   // a broken escape. The scheme may be missing.
   [[nodiscard]] static std::optional<NSURL> URLWithString(std::string_view text);
 
-  // Of a file URL; any other comes back as it is. Asks the disk as `fileURLWithPath` does.
+  // Of a file URL; any other, and one without a path, comes back as it is. Asks the disk as
+  // `fileURLWithPath` does.
   [[nodiscard]] NSURL URLByAppendingPathComponent(std::string_view component) const;
   [[nodiscard]] NSURL URLByAppendingPathComponent(std::string_view component,
                                                   const NSFileManager& files) const;
@@ -68,6 +70,7 @@ class NSURL {
 
  private:
   NSURL() = default;
+  [[nodiscard]] static NSURL ofFile(std::string_view path, bool isDirectory);
 
   std::string text_;
   std::string path_;

@@ -24,6 +24,32 @@ void putInFront(std::deque<std::string>& steps, const std::string& path) {
   steps.insert(steps.begin(), first.begin(), first.end());
 }
 
+// Found by its path again: nobody else moves anything in the tree.
+class FakeHeldFolder final : public HeldFolder {
+ public:
+  FakeHeldFolder(std::string_view path, FakeFileTree& tree, std::mutex& mutex)
+      : HeldFolder(path), tree_(tree), mutex_(mutex) {}
+
+  [[nodiscard]] int list(std::string& names) const override {
+    const std::lock_guard lock(mutex_);
+    std::string resolved;
+    std::vector<std::string> found;
+    if (const int error = tree_.locate(path(), true, resolved)) return error;
+    if (const int error = tree_.list(resolved, found)) return error;
+    names.clear();
+    for (const std::string& name : found) names.append(name).push_back('\0');
+    return 0;
+  }
+  [[nodiscard]] int remove(const std::string& name) override {
+    const std::lock_guard lock(mutex_);
+    return tree_.remove(text::appendingPathComponent(path(), name));
+  }
+
+ private:
+  FakeFileTree& tree_;
+  std::mutex& mutex_;
+};
+
 }  // namespace
 
 void FakeFileTree::addFolder(const std::string& path) {
@@ -77,6 +103,7 @@ std::optional<std::string> FakeFileTree::resolve(std::string_view path, bool fol
 int FakeFileTree::locate(std::string_view path, bool followsItem, std::string& resolved) const {
   if (path.empty() || path.find('\0') != std::string_view::npos) return ENOENT;
   if (path.size() > kLongestPath) return ENAMETOOLONG;
+  if (!path.starts_with('/') && currentFolder.empty()) return ENOENT;
   std::deque<std::string> steps;
   putInFront(steps, std::string(path));
   if (!path.starts_with('/')) putInFront(steps, currentFolder);
@@ -286,6 +313,13 @@ int FakeFileSystem::makeFolder(std::string_view path, std::uint32_t permissions)
 int FakeFileSystem::makeFile(std::string_view path) {
   const std::lock_guard lock(mutex_);
   return tree_.make(path, {.type = FileType::regular, .permissions = 0644});
+}
+
+int FakeFileSystem::holdFolder(std::string_view path, std::unique_ptr<HeldFolder>& folder) const {
+  std::vector<FolderItem> items;
+  if (const int error = list(path, items)) return error;
+  folder = std::make_unique<FakeHeldFolder>(path, tree_, mutex_);
+  return 0;
 }
 
 int FakeFileSystem::remove(std::string_view path) {

@@ -22,7 +22,7 @@ namespace vornix::fakes {
 // Folders, files, links and mounted volumes in memory. Set before threads read it.
 class FakeFileTree {
  public:
-  // Where relative paths start.
+  // Where relative paths start; nowhere when it is empty.
   std::string currentFolder = "/";
   // A walk that comes to this item cannot go on.
   std::string walkBreaker;
@@ -104,6 +104,8 @@ class FakeFileSystem : public FileSystem {
                                   std::unique_ptr<FileHierarchy>& hierarchy) const override;
   [[nodiscard]] int makeFolder(std::string_view path, std::uint32_t permissions) override;
   [[nodiscard]] int makeFile(std::string_view path) override;
+  [[nodiscard]] int holdFolder(std::string_view path,
+                               std::unique_ptr<HeldFolder>& folder) const override;
   [[nodiscard]] int remove(std::string_view path) override;
   [[nodiscard]] int move(std::string_view source, std::string_view destination) override;
   [[nodiscard]] int setImmutable(std::string_view path, bool isImmutable) override;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/files/FileSystem.h"
+#include "platform/linux/files/FolderReader.h"
 #include "platform/linux/files/FolderRemoval.h"
 #include "platform/linux/files/ImmutableFlag.h"
 #include "platform/linux/files/ItemMove.h"
@@ -68,6 +69,30 @@ int listFolder(const std::string& path, std::vector<FolderItem>& items) {
   return 0;
 }
 
+class LinuxHeldFolder final : public HeldFolder {
+ public:
+  LinuxHeldFolder(std::string_view path, FileDescriptor folder)
+      : HeldFolder(path), folder_(std::move(folder)) {}
+
+  [[nodiscard]] int list(std::string& names) const override {
+    std::string found;
+    if (lseek(folder_.get(), 0, SEEK_SET) != 0) return errno;
+    const int error = FolderReader().read(folder_.get(), [&](const char* name, unsigned char) {
+      found.append(name).push_back('\0');
+      return 0;
+    });
+    if (error == 0) names = std::move(found);
+    return error;
+  }
+
+  [[nodiscard]] int remove(const std::string& name) override {
+    return removeItemIn(folder_.get(), name);
+  }
+
+ private:
+  const FileDescriptor folder_;
+};
+
 class LinuxFileSystem final : public FileSystem {
  public:
   [[nodiscard]] int status(std::string_view path, bool followsLinks,
@@ -121,6 +146,15 @@ class LinuxFileSystem final : public FileSystem {
     return file.isOpen() ? 0 : errno;
   }
 
+  [[nodiscard]] int holdFolder(std::string_view path,
+                               std::unique_ptr<HeldFolder>& folder) const override {
+    const auto name = nameOf(path);
+    FileDescriptor opened(name ? open(name->c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1);
+    if (!opened.isOpen()) return errno;
+    folder = std::make_unique<LinuxHeldFolder>(path, std::move(opened));
+    return 0;
+  }
+
   [[nodiscard]] int remove(std::string_view path) override {
     const auto name = nameOf(path);
     return name ? removeItem(*name) : errno;
@@ -139,7 +173,7 @@ class LinuxFileSystem final : public FileSystem {
 
   [[nodiscard]] std::string currentFolder() const override {
     const CMemory<char> path(get_current_dir_name());
-    return path && *path == '/' ? path.get() : "/";
+    return path && *path == '/' ? path.get() : "";
   }
 };
 
