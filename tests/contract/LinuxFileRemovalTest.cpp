@@ -10,7 +10,9 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <utility>
 
+#include "fs/NSFileManager+FileModificationsAdditions.h"
 #include "platform/linux/system/FileDescriptor.h"
 #include "tests/contract/ForkedProcess.h"
 #include "tests/contract/support/DeepTree.h"
@@ -150,6 +152,71 @@ TEST(LinuxFileRemoval, GivesUpOnAFolderThatIsFilledForever) {
       if (call.args[2] == AT_REMOVEDIR) world.file("top/folder/late");
     });
     EXPECT_EQ(removalCode(world.path("top")), 513);
+  });
+}
+
+TEST_P(FileRemovalOn, EmptiesTheFolderThatWasListedWhateverStandsAtItsPathThen) {
+  const auto outcome = playOn(GetParam(), [&](LinuxFileWorld& world) {
+    for (const char* folder : {"here/folder", "here/other"}) {
+      for (const char* name : {"/a", "/b", "/c/file"}) world.file(std::string(folder) + name);
+    }
+    const std::string other = textOfTree(world.path("here/other"));
+    interceptCalls({SYS_unlinkat}, [&world, isSwapped = false](const seccomp_data&) mutable {
+      if (std::exchange(isSwapped, true)) return;
+      fs::rename(world.path("here/folder"), world.path("here/moved"));
+      fs::create_symlink("other", world.path("here/folder"));
+    });
+    EXPECT_TRUE(
+        removeContentsOfDirectoryAtPath(LinuxFileWorld::files(), world.path("here/folder")));
+    EXPECT_EQ(textOfTree(world.path("here/other")), other);
+    EXPECT_TRUE(fs::is_empty(world.path("here/moved")));
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(LinuxFileRemoval, NeedsLittleMemoryToEmptyAFolderOfManyItems) {
+  constexpr int kItems = kIsSanitized ? 20'000 : 200'000;
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    world.folder("many");
+    world.mount("many");
+    const FileDescriptor folder(open(world.path("many").c_str(), O_RDONLY | O_CLOEXEC));
+    for (int number = 0; number < kItems; ++number) {
+      const std::string name = "a name of 25 bytes " + std::to_string(100'000 + number);
+      ASSERT_EQ(mknodat(folder.get(), name.c_str(), S_IFREG | 0600, 0), 0);
+    }
+    const PeakMemory memory;
+    EXPECT_TRUE(removeContentsOfDirectoryAtPath(LinuxFileWorld::files(), world.path("many")));
+    EXPECT_TRUE(fs::is_empty(world.path("many")));
+    if (!kIsSanitized) {
+      EXPECT_LT(memory.growthInKilobytes(), kMostKilobytes / 5);
+    }
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST(LinuxFileRemoval, FindsNothingBelowACurrentFolderThatIsGone) {
+  LinuxFileWorld::play([](LinuxFileWorld& world) {
+    world.file("folder/file");
+    world.folder("gone");
+    world.enter("gone");
+    EXPECT_EQ(rmdir(world.path("gone").c_str()), 0);
+    NSFileManager& files = LinuxFileWorld::files();
+    EXPECT_EQ(files.currentDirectoryPath(), "");
+    // What it would be below the root.
+    const std::string path = world.path("folder").substr(1);
+    EXPECT_EQ(NSURL::fileURLWithPath(path).path(), "");
+    EXPECT_FALSE(removeContentsOfDirectoryAtPath(files, path));
+    // To another place, to a place below the current folder, to the Trash.
+    for (const std::string& place :
+         {world.path("elsewhere"), path + "/elsewhere", std::string("elsewhere")}) {
+      std::optional<NSError> error;
+      EXPECT_FALSE(advancedMoveItemAtPath(files, path + "/file", place, &error)) << place;
+      EXPECT_EQ(error->code, 4) << place;
+    }
+    std::optional<NSError> error;
+    EXPECT_FALSE(files.contentsOfDirectoryAtURL(NSURL::fileURLWithPath(path), 0, &error));
+    EXPECT_EQ(error->code, 260);
+    EXPECT_TRUE(fs::exists(world.path("folder/file")));
   });
 }
 

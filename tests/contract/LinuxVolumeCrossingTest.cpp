@@ -7,7 +7,6 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <array>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -16,6 +15,7 @@
 
 #include "platform/base/Diagnostics.h"
 #include "platform/linux/system/FileDescriptor.h"
+#include "tests/contract/support/CrossingVolumes.h"
 #include "tests/contract/support/FileWorld.h"
 #include "tests/contract/support/TreeText.h"
 
@@ -24,61 +24,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Crossing {
-  const char* name;
-  const char* from;
-  const char* to;
-};
-
-// Between the folders "from" and "to", each on a volume of the kind that is asked for.
-class VolumeCrossing : public testing::TestWithParam<Crossing> {
- protected:
-  void play(const std::function<void(LinuxFileWorld&)>& story) {
-    const auto outcome = LinuxFileWorld::play([&](LinuxFileWorld& world) {
-      attach(world, "from", GetParam().from);
-      attach(world, "to", GetParam().to);
-      story(world);
-    });
-    if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMountDisks;
-  }
-
- private:
-  static void attach(LinuxFileWorld& world, const std::string& name, std::string_view kind) {
-    world.folder(name);
-    if (kind == "memory") world.mount(name);
-    if (kind == "disk") world.mountImage(name, "");
-  }
-};
+class VolumeCrossing : public CrossingVolumes {};
 
 INSTANTIATE_TEST_SUITE_P(, VolumeCrossing,
                          testing::Values(Crossing{"FromDiskToMemory", "here", "memory"},
                                          Crossing{"FromMemoryToDisk", "memory", "here"},
                                          Crossing{"FromDiskToDisk", "here", "disk"}),
                          [](const auto& each) { return std::string(each.param.name); });
-
-std::int64_t moveCode(LinuxFileWorld& world, const std::string& from, const std::string& to) {
-  std::optional<NSError> error;
-  const bool isMoved =
-      LinuxFileWorld::files().moveItemAtPath(world.path(from), world.path(to), &error);
-  EXPECT_EQ(isMoved, !error.has_value());
-  return error ? error->code : 0;
-}
-
-void setTimes(const std::string& path, time_t accessed, time_t modified) {
-  const std::array<timespec, 2> times{timespec{accessed, 123'456'789},
-                                      timespec{modified, 987'654'321}};
-  EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), times.data(), AT_SYMLINK_NOFOLLOW), 0) << path;
-}
-
-void write(const std::string& path, const std::string& contents) {
-  std::ofstream(path, std::ios::binary) << contents;
-}
-
-std::set<std::string> namesIn(const std::string& folder) {
-  std::set<std::string> names;
-  for (const auto& item : fs::directory_iterator(folder)) names.insert(item.path().filename());
-  return names;
-}
 
 // The move fails with the code and leaves everything as it is.
 void expectRefusal(LinuxFileWorld& world, const std::string& from, const std::string& to,

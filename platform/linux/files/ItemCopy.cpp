@@ -96,21 +96,18 @@ int setAttributesByName(int folder, const char* name, const struct statx& status
   return errorOf(utimensat(folder, name, times.data(), AT_SYMLINK_NOFOLLOW));
 }
 
+}  // namespace
+
+bool isSameItem(const struct statx& left, const struct statx& right) {
+  return left.stx_ino == right.stx_ino && left.stx_dev_major == right.stx_dev_major &&
+         left.stx_dev_minor == right.stx_dev_minor;
+}
+
 bool isUnchanged(const struct statx& before, const struct statx& after) {
-  return before.stx_ino == after.stx_ino && before.stx_size == after.stx_size &&
-         before.stx_dev_major == after.stx_dev_major &&
-         before.stx_dev_minor == after.stx_dev_minor &&
+  return isSameItem(before, after) && before.stx_size == after.stx_size &&
          before.stx_ctime.tv_sec == after.stx_ctime.tv_sec &&
          before.stx_ctime.tv_nsec == after.stx_ctime.tv_nsec;
 }
-
-int requireUnchanged(int file, const struct statx& before) {
-  struct statx now {};
-  if (statx(file, "", AT_EMPTY_PATH, STATX_BASIC_STATS, &now) != 0) return errno;
-  return isUnchanged(before, now) ? 0 : EBUSY;
-}
-
-}  // namespace
 
 int copyAttributes(int source, int copy, const struct statx& status, bool& lostAttributes) {
   bool keepsOwner = false;
@@ -120,6 +117,16 @@ int copyAttributes(int source, int copy, const struct statx& status, bool& lostA
   const auto times = timesOf(status);
   return errorOf(futimens(copy, times.data()));
 }
+
+namespace {
+
+int requireUnchanged(int file, const struct statx& before) {
+  struct statx now {};
+  if (statx(file, "", AT_EMPTY_PATH, STATX_BASIC_STATS, &now) != 0) return errno;
+  return isUnchanged(before, now) ? 0 : EBUSY;
+}
+
+}  // namespace
 
 int copyFile(int folder, const char* name, const struct statx& status, int copyFolder,
              const char* copyName, bool& lostAttributes) {

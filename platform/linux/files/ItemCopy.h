@@ -15,6 +15,10 @@ namespace vornix {
                            const char* copyName);
 [[nodiscard]] int copySpecial(const struct statx& status, int copyFolder, const char* copyName);
 
+[[nodiscard]] bool isSameItem(const struct statx& left, const struct statx& right);
+// Whether it is the same item and nothing about it was changed in between.
+[[nodiscard]] bool isUnchanged(const struct statx& before, const struct statx& after);
+
 // Permissions, extended attributes, times, and the owner where that is allowed; without it nothing
 // keeps the right to run as its owner.
 [[nodiscard]] int copyAttributes(int source, int copy, const struct statx& status,

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -59,7 +60,10 @@ int TreeCopy::openLevel() {
       errorOf(statx(source_->folder(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &level.status));
   if (error != 0) return error;
   if (const int refused = refusalToBeMoved(level.status)) return refused;
-  return readFolder();
+  struct statx workshop {};
+  if (statx(workshop_, "", AT_EMPTY_PATH, STATX_BASIC_STATS, &workshop) != 0) return errno;
+  // Where a part of the source stands elsewhere, too, the copy can have come to lie in it.
+  return isSameItem(level.status, workshop) ? EINVAL : readFolder();
 }
 
 int TreeCopy::readFolder() {
@@ -120,10 +124,25 @@ int TreeCopy::copyItem(int folder, const char* name, const struct statx& status,
 
 int TreeCopy::copyContents(int folder, const char* name, const struct statx& status, int copyFolder,
                            const char* copyName) {
-  if (S_ISREG(status.stx_mode))
-    return copyFile(folder, name, status, copyFolder, copyName, lostAttributes_);
-  if (S_ISLNK(status.stx_mode)) return copyLink(folder, name, status, copyFolder, copyName);
-  return copySpecial(status, copyFolder, copyName);
+  const bool isFile = S_ISREG(status.stx_mode);
+  if (!isFile && !S_ISLNK(status.stx_mode)) return copySpecial(status, copyFolder, copyName);
+  const int error = isFile ? copyFile(folder, name, status, copyFolder, copyName, lostAttributes_)
+                           : copyLink(folder, name, status, copyFolder, copyName);
+  return error != 0 ? error : noteTime(status, copyFolder, copyName);
+}
+
+int TreeCopy::noteTime(const struct statx& status, int copyFolder, const char* copyName) {
+  struct statx copy {};
+  if (const int error = statusOfItem(copyFolder, copyName, copy)) return error;
+  const std::int64_t exactness = exactnessOfTimes(status, copy);
+  const bool isKnown = exactness_ != kNoTimes && exactness != kNoTimes;
+  exactness_ = isKnown ? std::max(exactness_, exactness) : kNoTimes;
+  return 0;
+}
+
+int TreeCopy::removeSource(const ItemPlace& place) {
+  SourceRemoval removal(std::move(*source_), std::move(*copy_), exactness_);
+  return removal.run(place);
 }
 
 int TreeCopy::copyAgain(int folder, const char* name, const struct statx& status, int copyFolder,

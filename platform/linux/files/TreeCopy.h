@@ -11,6 +11,8 @@
 
 #include "platform/linux/files/FolderDescent.h"
 #include "platform/linux/files/FolderReader.h"
+#include "platform/linux/files/ItemPlace.h"
+#include "platform/linux/files/SourceRemoval.h"
 #include "platform/linux/system/FileDescriptor.h"
 
 namespace vornix {
@@ -20,7 +22,8 @@ namespace vornix {
 
 // Copies one item with all that is in it, so that it can take the item's place: contents with their
 // holes, permissions, owners where allowed, times, extended attributes, and which names are names
-// of one file. Refuses what could not be removed afterwards, and what changes meanwhile.
+// of one file. Refuses what could not be removed afterwards, what changes meanwhile, and, with
+// EINVAL, the copy of a folder into itself.
 class TreeCopy {
  public:
   // `workshop` is a folder that nobody else looks into; copies with several names have one more in
@@ -30,6 +33,8 @@ class TreeCopy {
   // Makes `copyName` in the workshop. Answers 0 or the system's error number, and has then left
   // what it had done so far. Once.
   [[nodiscard]] int run(int folder, const std::string& name, const std::string& copyName);
+  // Afterwards, of a folder: removes what was copied of it, as `SourceRemoval` does. Once.
+  [[nodiscard]] int removeSource(const ItemPlace& place);
   // Whether something had extended attributes that the workshop's file system cannot keep.
   [[nodiscard]] bool lostAttributes() const { return lostAttributes_; }
 
@@ -51,6 +56,7 @@ class TreeCopy {
                const char* copyName);
   int copyContents(int folder, const char* name, const struct statx& status, int copyFolder,
                    const char* copyName);
+  int noteTime(const struct statx& status, int copyFolder, const char* copyName);
   int copyAgain(int folder, const char* name, const struct statx& status, int copyFolder,
                 const char* copyName);
   int remember(const FileIdentity& file, int copyFolder, const char* copyName);
@@ -64,6 +70,8 @@ class TreeCopy {
   std::map<FileIdentity, std::string> known_;
   FileDescriptor links_;
   bool lostAttributes_ = false;
+  // The least exact so far.
+  std::int64_t exactness_ = kExactTimes;
 };
 
 }  // namespace vornix

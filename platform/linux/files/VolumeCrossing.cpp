@@ -16,6 +16,7 @@
 #include "platform/base/Diagnostics.h"
 #include "platform/linux/files/FolderDescent.h"
 #include "platform/linux/files/FolderRemoval.h"
+#include "platform/linux/files/ItemCopy.h"
 #include "platform/linux/files/TreeCopy.h"
 
 namespace vornix {
@@ -87,9 +88,40 @@ int permissionToRemove(int folder, const struct statx& item) {
   return isSticky && isForeign ? EPERM : 0;
 }
 
-bool isSameItem(const struct statx& left, const struct statx& right) {
-  return left.stx_ino == right.stx_ino && left.stx_dev_major == right.stx_dev_major &&
-         left.stx_dev_minor == right.stx_dev_minor;
+// Whether the way up from the folder leads through the item.
+bool liesWithin(int folder, const struct statx& item) {
+  FileDescriptor at(openat(folder, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+  struct statx below {};
+  while (at.isOpen()) {
+    struct statx status {};
+    if (statx(at.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &status) != 0) return false;
+    if (isSameItem(status, item)) return true;
+    if (isSameItem(status, below)) return false;
+    below = status;
+    at = FileDescriptor(openat(at.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
+  }
+  return false;
+}
+
+// Of what is no folder. Only files and links hold something; FIFOs' times change with what flows
+// through them.
+bool isAsBefore(const struct statx& before, const struct statx& now) {
+  const bool holdsSomething = S_ISREG(before.stx_mode) || S_ISLNK(before.stx_mode);
+  return holdsSomething ? isUnchanged(before, now) : isSameItem(before, now);
+}
+
+int requireSame(const ItemPlace& place, const struct statx& before) {
+  struct statx now {};
+  if (const int error = statusOfItem(place.folder.get(), place.name.c_str(), now)) return error;
+  const bool isSame = S_ISDIR(before.stx_mode) ? isSameItem(before, now) : isAsBefore(before, now);
+  return isSame ? 0 : EBUSY;
+}
+
+// What somebody else has removed meanwhile is no failure.
+int removeUnchanged(const ItemPlace& place, const struct statx& before) {
+  int error = requireSame(place, before);
+  if (error == 0) error = errorOf(unlinkat(place.folder.get(), place.name.c_str(), 0));
+  return error == ENOENT ? 0 : error;
 }
 
 // What a rename changed is on the disk once the folder is.
@@ -98,22 +130,29 @@ int syncFolder(const ItemPlace& place, int fallback) {
   return folder.isOpen() ? errorOf(fsync(folder.get())) : errorOf(syncfs(fallback));
 }
 
-int putIntoPlace(const ItemPlace& to, const Workshop& workshop) {
+// For file systems that cannot rename without replacing. Of what appears at the destination after
+// the look, only an empty folder could be replaced, and a file where there are no further names.
+int putByName(const ItemPlace& to, int workshop, bool isFolder) {
+  const int place = to.folder.get();
+  // The copy's first name goes with the workshop.
+  const int error =
+      isFolder ? EPERM : errorOf(linkat(workshop, kCopyName, place, to.name.c_str(), 0));
+  if (error != EPERM && error != EOPNOTSUPP) return error;
+  struct stat existing {};
+  if (fstatat(place, to.name.c_str(), &existing, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+  return errorOf(renameat(workshop, kCopyName, place, to.name.c_str()));
+}
+
+int putIntoPlace(const ItemPlace& to, const Workshop& workshop, bool isFolder) {
   // Everything copied, before any of it counts.
   if (syncfs(workshop.folder()) != 0) return errno;
   const int error = errorOf(
       renameat2(workshop.folder(), kCopyName, to.folder.get(), to.name.c_str(), RENAME_NOREPLACE));
-  if (error != EINVAL) return error != 0 ? error : syncFolder(to, workshop.folder());
-  struct stat existing {};
-  if (fstatat(to.folder.get(), to.name.c_str(), &existing, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
-  const bool isMoved =
-      renameat(workshop.folder(), kCopyName, to.folder.get(), to.name.c_str()) == 0;
-  return isMoved ? syncFolder(to, workshop.folder()) : errno;
+  const int answer = error == EINVAL ? putByName(to, workshop.folder(), isFolder) : error;
+  return answer != 0 ? answer : syncFolder(to, workshop.folder());
 }
 
-int copyInto(const ItemPlace& from, Workshop& workshop) {
-  if (const int error = workshop.make()) return error;
-  TreeCopy copy(workshop.folder());
+int copyWhole(const ItemPlace& from, TreeCopy& copy) {
   const int error = copy.run(from.folder.get(), from.name, kCopyName);
   if (error == 0 && copy.lostAttributes()) {
     reportDiagnostic("The volume that \"" + from.name +
@@ -128,14 +167,16 @@ int moveAcrossVolumes(const ItemPlace& from, const ItemPlace& to) {
   struct statx item {};
   if (const int error = statusOfItem(from.folder.get(), from.name.c_str(), item)) return error;
   if (const int error = permissionToRemove(from.folder.get(), item)) return error;
+  const bool isFolder = S_ISDIR(item.stx_mode);
+  if (isFolder && liesWithin(to.folder.get(), item)) return EINVAL;
   Workshop workshop(to.folder.get());
-  if (const int error = copyInto(from, workshop)) return error;
-  struct statx now {};
-  if (const int error = statusOfItem(from.folder.get(), from.name.c_str(), now)) return error;
-  if (!isSameItem(item, now)) return EBUSY;
-  if (const int error = putIntoPlace(to, workshop)) return error;
+  if (const int error = workshop.make()) return error;
+  TreeCopy copy(workshop.folder());
+  if (const int error = copyWhole(from, copy)) return error;
+  if (const int error = requireSame(from, item)) return error;
+  if (const int error = putIntoPlace(to, workshop, isFolder)) return error;
   (void)workshop.clear();
-  return removeItemIn(from.folder.get(), from.name);
+  return isFolder ? copy.removeSource(from) : removeUnchanged(from, item);
 }
 
 }  // namespace vornix

@@ -161,6 +161,17 @@ TEST_F(FileRemoval, SaysWhyAFolderCannotBeEmptied) {
   EXPECT_TRUE(exists("/file"));
 }
 
+TEST_F(FileRemoval, EmptiesNoFolderBelowTheRootWhenThereIsNoCurrentOne) {
+  machine_.tree.addFile("/tmp/file");
+  machine_.tree.currentFolder = "";
+  EXPECT_FALSE(removeContentsOfDirectoryAtPath(machine_.files, "tmp"));
+  EXPECT_TRUE(removeFileAtPath(machine_.files, "tmp", &error_));
+  EXPECT_EQ(code(), 0);
+  EXPECT_FALSE(advancedMoveItemAtPath(machine_.files, "tmp", "/elsewhere/tmp", &error_));
+  EXPECT_EQ(code(), 4);
+  EXPECT_TRUE(exists("/tmp/file"));
+}
+
 TEST_F(FileRemoval, KeepsNamesThatAreNoText) {
   const std::string_view names[] = {"/folder/\xFF\xFE", "/folder/a\nb", "/folder/ ",
                                     "/folder/%2e%2E", "/folder/cafe\u0301"};

@@ -108,6 +108,23 @@ TEST(NSURLTest, StartsRelativePathsAtTheCurrentFolder) {
   EXPECT_EQ(NSURL::fileURLWithPath("x", machine.files).path(), "/srv/x");
 }
 
+TEST(NSURLTest, HasNoPathForARelativeOneWithoutACurrentFolder) {
+  fakes::fileTree().currentFolder = "";
+  fakes::FakeFileMachine machine;
+  machine.tree.currentFolder = "";
+  machine.tree.addFolder("/tmp");
+  for (const NSURL& url : {NSURL::fileURLWithPath("tmp", true), NSURL::fileURLWithPath("tmp/"),
+                           NSURL::fileURLWithPath("tmp", machine.files)}) {
+    EXPECT_EQ(url.path(), "");
+    EXPECT_EQ(url.absoluteString(), "file://");
+    EXPECT_TRUE(url.isFileURL());
+    EXPECT_FALSE(url.hasDirectoryPath());
+    EXPECT_FALSE(url.checkResourceIsReachableAndReturnError(machine.files, nullptr));
+    EXPECT_EQ(url.URLByAppendingPathComponent("tmp", true), url);
+  }
+  EXPECT_EQ(NSURL::fileURLWithPath("/tmp", machine.files).path(), "/tmp");
+}
+
 TEST(NSURLTest, AppendsAComponentInTheFormThatIsAskedFor) {
   const auto folder = NSURL::fileURLWithPath("/a b", true);
   EXPECT_EQ(folder.URLByAppendingPathComponent("c%", true).absoluteString(), "file:///a%20b/c%25/");
