@@ -91,6 +91,21 @@ TEST(VolumeTrouble, CopiesNothingToOrFromAReadOnlyVolume) {
   }
 }
 
+TEST(VolumeTrouble, KeepsWhatStandsOnAVolumeWithoutATrash) {
+  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+    world.folder("volume");
+    world.mount("volume");
+    world.file("volume/tree/file");
+    const std::string before = textOfTree(world.path("volume"));
+    std::optional<NSError> error;
+    EXPECT_FALSE(
+        advancedMoveItemAtPath(LinuxFileWorld::files(), world.path("volume/tree"), "", &error));
+    EXPECT_EQ(error->code, 512);
+    EXPECT_EQ(textOfTree(world.path("volume")), before);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
 TEST(VolumeTrouble, NeedsLittleMemoryForManyItemsInOneFolder) {
   constexpr int kItems = 50'000;
   constexpr long kMostKilobytes = 8L << 10;

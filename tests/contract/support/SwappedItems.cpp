@@ -1,8 +1,10 @@
 #include "tests/contract/support/SwappedItems.h"
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -40,6 +42,8 @@ SwappedItems::SwappedItems(LinuxFileWorld& world, std::string folder)
 }
 
 void SwappedItems::swap() const {
+  // A test that has failed does not wait.
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::vector<std::pair<std::string, std::string>> pairs;
   for (const std::string& name : names())
     pairs.emplace_back(at("doomed/" + name), at("links/" + name));
