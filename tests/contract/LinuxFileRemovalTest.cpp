@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <mutex>
 #include <set>
 #include <string>
 #include <utility>
@@ -134,12 +135,15 @@ TEST_P(FileRemovalOn, LooksOnceMoreIntoEachFolderThatIsFilledMeanwhile) {
     for (int number = 0; number < kFolders; ++number)
       world.folder("here/top/" + std::to_string(number));
     std::set<std::string> filled;
+    std::mutex mutex;
     interceptCalls({SYS_unlinkat}, [&](const seccomp_data& call) {
-      const std::string name = reinterpret_cast<const char*>(call.args[1]);
+      const std::string name = textAt(call.args[1]);
+      const std::lock_guard lock(mutex);
       if (call.args[2] != AT_REMOVEDIR || !filled.insert(name).second) return;
       world.file((name == "top" ? "here/top/" : "here/top/" + name) + "/late");
     });
     EXPECT_EQ(removalCode(world.path("here/top")), 0);
+    const std::lock_guard lock(mutex);
     EXPECT_EQ(filled.size(), kFolders + 1);
   });
   if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;

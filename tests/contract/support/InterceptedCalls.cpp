@@ -1,5 +1,6 @@
 #include "tests/contract/support/InterceptedCalls.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <sys/ioctl.h>
@@ -7,12 +8,15 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <future>
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "platform/linux/system/FileDescriptor.h"
 
 namespace vornix::contract {
 namespace {
@@ -54,6 +58,14 @@ void interceptCalls(std::initializer_list<long> numbers,
   const int descriptor = install(numbers);
   EXPECT_GE(descriptor, 0) << errno;
   listener.set_value(descriptor);
+}
+
+std::string textAt(std::uint64_t argument) {
+  // By the kernel, since nothing that a thread sanitizer sees makes the caller wait.
+  std::array<char, 4096> text{};
+  const FileDescriptor memory(open("/proc/self/mem", O_RDONLY | O_CLOEXEC));
+  EXPECT_GT(pread(memory.get(), text.data(), text.size() - 1, static_cast<off_t>(argument)), 0);
+  return text.data();
 }
 
 }  // namespace vornix::contract
