@@ -8,12 +8,12 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/files/FileRemover.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/InterceptedCalls.h"
 #include "tests/contract/support/OnVolume.h"
-#include "tests/contract/support/PausedCall.h"
 
 // Secure removal of items whose names get others at the last instant, as programs do that write a
 // new file and move it to where the old one was.
@@ -21,6 +21,16 @@ namespace vornix::contract {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Runs the part on a thread of its own. Before each renaming there, it waits for `meanwhile`, which
+// gets the number of times before.
+void playWithPauses(const std::function<void(int)>& meanwhile, const std::function<void()>& part) {
+  int number = 0;
+  std::thread([&] {
+    interceptCalls({SYS_renameat2}, [&](const seccomp_data&) { meanwhile(number++); });
+    part();
+  }).join();
+}
 
 void writeTo(const fs::path& path, const std::string& contents) {
   EXPECT_TRUE((std::ofstream(path, std::ios::binary) << contents).good()) << path;
@@ -50,17 +60,6 @@ const std::vector<Doomed> kDoomed{
 
 class SecureRemovalOfReplacedItems : public OnVolume {
  protected:
-  void SetUp() override {
-    OnVolume::SetUp();
-    const ForkedProcess trial([] {
-      _exit(playWithPauses(
-                SYS_renameat2, [](int) {}, [] {})
-                ? 0
-                : 1);
-    });
-    if (trial.awaitEnd() != 0) GTEST_SKIP() << kMayNotPause;
-  }
-
   // Removes each sort of item, and has something happen whenever it, or what it is by then, is
   // about to get another name; `story` looks at what is left.
   static void playEach(const std::function<void(const fs::path& item, int number)>& meanwhile,
@@ -74,8 +73,7 @@ class SecureRemovalOfReplacedItems : public OnVolume {
         doomed.make(item);
         RemovefileResult result;
         const auto removal = [&] { result = sharedFileRemover().removefile(item.native(), 0x11); };
-        EXPECT_TRUE(playWithPauses(
-            SYS_renameat2, [&](int number) { meanwhile(item, number); }, removal));
+        playWithPauses([&](int number) { meanwhile(item, number); }, removal);
         EXPECT_EQ(result, (RemovefileResult{.value = -1, .errorNumber = EBUSY}));
         story(item);
       }
@@ -119,9 +117,9 @@ TEST_P(SecureRemovalOfReplacedItems, KeepsAFileWhoseOtherNamesGoMeanwhile) {
     writeTo(world.path("here/doomed/item"), "contents");
     fs::create_hard_link(world.path("here/doomed/item"), world.path("here/other"));
     RemovefileResult result;
-    EXPECT_TRUE(playWithPauses(
-        SYS_renameat2, [&](int) { fs::remove(world.path("here/other")); },
-        [&] { result = sharedFileRemover().removefile(world.path("here/doomed"), 0x11); }));
+    playWithPauses(
+        [&](int) { fs::remove(world.path("here/other")); },
+        [&] { result = sharedFileRemover().removefile(world.path("here/doomed"), 0x11); });
     EXPECT_EQ(result, (RemovefileResult{.value = -1, .errorNumber = EBUSY}));
     EXPECT_EQ(readFrom(world.path("here/doomed/item")), "contents");
   });

@@ -138,10 +138,10 @@ constexpr int kSwaps = 100'000;
 #endif
 
 // Folders and files to be removed, links to what must stay, and a process that exchanges them.
-class SwappedItems {
+class ExchangedItems {
  public:
   // Those of these names in a folder; of "file" and more, a name is a file's.
-  SwappedItems(LinuxFileWorld& world, const std::string& folder, std::vector<std::string> names)
+  ExchangedItems(LinuxFileWorld& world, const std::string& folder, std::vector<std::string> names)
       : world_(world), folder_(world.path(folder)), names_(std::move(names)) {
     for (const char* name : {"here/canary/alone", "here/canary/sub/file", "here/canary/shared"}) {
       world.file(name);
@@ -210,13 +210,13 @@ const std::vector<std::string> kSwappedNames{"0", "1", "2", "file 0", "file 1"};
 
 TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForAgainAndAgain) {
   play([](LinuxFileWorld& world) {
-    SwappedItems(world, "here/doomed", kSwappedNames).race(world.path("here/doomed"));
+    ExchangedItems(world, "here/doomed", kSwappedNames).race(world.path("here/doomed"));
   });
 }
 
 TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForWhereTheKernelKeepsNobodyWithin) {
   play([](LinuxFileWorld& world) {
-    const SwappedItems items(world, "here/doomed", kSwappedNames);
+    const ExchangedItems items(world, "here/doomed", kSwappedNames);
     failSystemCall(SYS_openat2, ENOSYS);
     items.race(world.path("here/doomed"));
   });
@@ -225,7 +225,7 @@ TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForWhereTheKernelKee
 TEST_P(SecureRemovalTrouble, NeverTouchesWhatTheItemItselfIsSwappedForAgainAndAgain) {
   for (const char* name : {"folder", "file"}) {
     play([name](LinuxFileWorld& world) {
-      SwappedItems(world, "here", {name}).race(world.path("here") + "/" + name);
+      ExchangedItems(world, "here", {name}).race(world.path("here") + "/" + name);
     });
   }
 }

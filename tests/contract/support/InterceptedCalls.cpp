@@ -37,7 +37,11 @@ int install(std::initializer_list<long> numbers) {
 void attend(int listener, const std::function<void(const seccomp_data&)>& before) {
   for (;;) {
     seccomp_notif call{};
-    if (ioctl(listener, SECCOMP_IOCTL_NOTIF_RECV, &call) != 0) continue;
+    if (ioctl(listener, SECCOMP_IOCTL_NOTIF_RECV, &call) != 0) {
+      // The thread got a signal meanwhile; else it has ended.
+      if (errno == ENOENT || errno == EINTR) continue;
+      return;
+    }
     before(call.data);
     seccomp_notif_resp answer{
         .id = call.id, .val = 0, .error = 0, .flags = SECCOMP_USER_NOTIF_FLAG_CONTINUE};
