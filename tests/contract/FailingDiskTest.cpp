@@ -185,24 +185,32 @@ INSTANTIATE_TEST_SUITE_P(
                     Fault{"GettingRandomBytes", SYS_getrandom, EIO, 512}),
     stepOf);
 
-TEST_P(FailingMove, TellsWhyAndLeavesTheSourceWholeAndNothingElse) {
-  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
+// To another volume. `look` sees what there is afterwards, and how the source was before.
+void playFailingMove(const Fault& fault,
+                     const std::function<void(LinuxFileWorld&, const std::string&)>& look) {
+  const auto outcome = LinuxFileWorld::play([&](LinuxFileWorld& world) {
     world.folder("to");
     world.mount("to");
     makeTree(world, "tree");
     const std::string before = textOfTree(world.path("tree"));
-    playWith(GetParam(), [&world] {
-      expectCode(GetParam().code, [&world](auto& files, auto* error) {
+    playWith(fault, [&] {
+      expectCode(fault.code, [&world](auto& files, auto* error) {
         return files.moveItemAtPath(world.path("tree"), world.path("to/tree"), error);
       });
     });
     EXPECT_EQ(textOfTree(world.path("tree")), before);
+    look(world, before);
+  });
+  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
+}
+
+TEST_P(FailingMove, TellsWhyAndLeavesTheSourceWholeAndNothingElse) {
+  playFailingMove(GetParam(), [](LinuxFileWorld& world, const std::string&) {
     EXPECT_FALSE(stdfs::exists(world.path("to/tree")));
     // The copy that was begun could not be removed either.
     const bool canClear = GetParam().call != SYS_getdents64 && GetParam().call != SYS_openat2;
     EXPECT_TRUE(!canClear || stdfs::is_empty(world.path("to")));
   });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 class FailingEndOfAMove : public testing::TestWithParam<Fault> {};
@@ -214,20 +222,9 @@ INSTANTIATE_TEST_SUITE_P(FailingDisk, FailingEndOfAMove,
                          stepOf);
 
 TEST_P(FailingEndOfAMove, LeavesBothSidesWhole) {
-  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
-    world.folder("to");
-    world.mount("to");
-    makeTree(world, "tree");
-    const std::string before = textOfTree(world.path("tree"));
-    playWith(GetParam(), [&world] {
-      expectCode(GetParam().code, [&world](auto& files, auto* error) {
-        return files.moveItemAtPath(world.path("tree"), world.path("to/tree"), error);
-      });
-    });
-    EXPECT_EQ(textOfTree(world.path("tree")), before);
+  playFailingMove(GetParam(), [](LinuxFileWorld& world, const std::string& before) {
     EXPECT_EQ(textOfTree(world.path("to/tree")), before);
   });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST(FailingDisk, SaysWithWhichExceptionAFileWasNotTruncated) {
