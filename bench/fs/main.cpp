@@ -1,6 +1,6 @@
-// Measures walks and searches through one tree of about 200,000 items, removals of hundreds of small
-// ones, and secure removals, on the disk and in memory, against what else does the same, and says
-// for each whether it is as fast as it has to be. An argument limits it to the section of that
+// Measures walks and searches through one tree of about 200,000 items, removals of hundreds of
+// small ones, and secure removals, on the disk and in memory, against what else does the same, and
+// says for each whether it is as fast as it has to be. An argument limits it to the section of that
 // name. Ends with status 1 where a bar is missed.
 #include <linux/magic.h>
 #include <sys/stat.h>

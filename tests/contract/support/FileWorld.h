@@ -18,6 +18,9 @@ inline constexpr const char* kMayNotMount =
 inline constexpr const char* kMayNotMountDisks =
     "NOT TESTED: this account may not make and mount a disk image";
 
+// Not only in a user namespace of its own, as an ordinary user's stories are played in.
+[[nodiscard]] bool isRootOfTheMachine();
+
 // Items by their paths below the world's root, in memory.
 class FakeFileWorld {
  public:
@@ -88,8 +91,8 @@ class LinuxFileWorld {
   // The same with a size, such as "size=64k", and other options of a volume in memory.
   void mountSmall(const std::string& name, const std::string& options);
   void bind(const std::string& source, const std::string& name);
-  // An empty ext4 volume that is made with these options of mkfs.ext4. It lies in memory, beside the
-  // folder.
+  // An empty ext4 volume that is made with these options of mkfs.ext4. It lies in memory, beside
+  // the folder.
   void mountImage(const std::string& name, const std::string& options);
   // From now on nothing changes in the volume that was mounted there.
   void makeReadOnly(const std::string& name);
