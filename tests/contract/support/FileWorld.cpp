@@ -13,6 +13,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tests/contract/support/KindOfVolume.h"
+
 namespace vornix::contract {
 namespace {
 
@@ -54,6 +56,10 @@ bool isRootOfTheMachine() {
   std::ifstream("/proc/self/uid_map") >> inside >> outside >> count;
   return geteuid() == 0 && inside == 0 && outside == 0 && count > 1;
 }
+
+LinuxFileWorld::LinuxFileWorld()
+    : LinuxFileWorld(
+          folderOn(KindOfVolume::ext4).value_or(std::filesystem::temp_directory_path().string())) {}
 
 LinuxFileWorld::LinuxFileWorld(const std::string& parent) : folder_(parent) {}
 

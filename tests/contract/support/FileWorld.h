@@ -74,7 +74,8 @@ class FakeFileWorld {
 // mounts and where it goes stays there.
 class LinuxFileWorld {
  public:
-  LinuxFileWorld() = default;
+  // On ext4 where there is one, else in the temporary folder.
+  LinuxFileWorld();
   explicit LinuxFileWorld(const std::string& parent);
 
   [[nodiscard]] static NSFileManager& files() { return NSFileManager::defaultManager(); }
