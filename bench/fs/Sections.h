@@ -18,6 +18,7 @@ struct Section {
 Section walkSection();
 Section removalSection();
 Section secureRemovalSection();
+Section largeSecureRemovalSection();
 
 // Folders to make trees in: one on the disk and one in memory.
 std::vector<std::string> benchFolders();

@@ -146,7 +146,11 @@ int measureLargeFiles() {
 }  // namespace
 
 Section secureRemovalSection() {
-  return {"secure", prepareSmallFiles, [] { return measureSmallFiles() + measureLargeFiles(); }};
+  return {"secure", prepareSmallFiles, measureSmallFiles};
+}
+
+Section largeSecureRemovalSection() {
+  return {"secure-large", [] {}, measureLargeFiles};
 }
 
 }  // namespace vornix::bench

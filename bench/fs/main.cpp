@@ -46,7 +46,8 @@ int main(int argc, char** argv) {
   using namespace vornix::bench;
   if (argc == 3 && std::string_view(argv[1]) == kWalkCommand) return walkAsProgram(argv[2]);
   if (argc == 3 && std::string_view(argv[1]) == kRemoveCommand) return removeAsProgram(argv[2]);
-  std::vector<Section> sections{walkSection(), removalSection(), secureRemovalSection()};
+  std::vector<Section> sections{walkSection(), removalSection(), secureRemovalSection(),
+                                largeSecureRemovalSection()};
   const std::string_view wanted = argc > 1 ? argv[1] : "";
   std::erase_if(sections,
                 [&](const Section& each) { return !wanted.empty() && each.name != wanted; });
