@@ -41,13 +41,13 @@ SwappedItems::SwappedItems(LinuxFileWorld& world, std::string folder)
   renew();
 }
 
-void SwappedItems::swap() const {
+void SwappedItems::swap(int times) const {
   // A test that has failed does not wait.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   std::vector<std::pair<std::string, std::string>> pairs;
   for (const std::string& name : names())
     pairs.emplace_back(at("doomed/" + name), at("links/" + name));
-  for (int swaps = 0; swaps < kSwaps;) {
+  for (int swaps = 0; swaps < times;) {
     for (const auto& [one, other] : pairs)
       swaps += renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0;
   }

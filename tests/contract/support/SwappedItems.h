@@ -6,23 +6,19 @@
 
 namespace vornix::contract {
 
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kIsSanitized = true;
-#else
-inline constexpr bool kIsSanitized = false;
-#endif
+// How often items are exchanged in the way that every system takes, and in each other one.
+inline constexpr int kManySwaps = 100'000;
+inline constexpr int kSomeSwaps = 20'000;
 
 // Folders and files to be removed or moved, links to what must stay, and a process that exchanges
 // them again and again.
 class SwappedItems {
  public:
-  static constexpr int kSwaps = kIsSanitized ? 10'000 : 100'000;
-
   // In a folder that exists.
   SwappedItems(LinuxFileWorld& world, std::string folder);
 
-  // As a process's whole life: until enough of them were exchanged for a link or back.
-  [[noreturn]] void swap() const;
+  // As a process's whole life: until so many were exchanged for a link or back.
+  [[noreturn]] void swap(int times) const;
   // Makes what is missing, where nothing is swapped, and moves it to its place.
   void renew() const;
   // The swapped items' folder.

@@ -26,6 +26,7 @@
 #include "tests/contract/support/FailingCall.h"
 #include "tests/contract/support/OnVolume.h"
 #include "tests/contract/support/PeakMemory.h"
+#include "tests/contract/support/SwappedItems.h"
 #include "tests/contract/support/TreeText.h"
 
 // Secure removal on disks and trees that make trouble.
@@ -131,12 +132,6 @@ TEST_P(SecureRemovalTrouble, TakesWhatAnotherProcessRemovesMeanwhileForRemoved) 
   });
 }
 
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-constexpr int kSwaps = 10'000;
-#else
-constexpr int kSwaps = 100'000;
-#endif
-
 // Folders and files to be removed, links to what must stay, and a process that exchanges them.
 class ExchangedItems {
  public:
@@ -185,9 +180,9 @@ class ExchangedItems {
   }
 
   // Removes the path again and again, while another process swaps.
-  void race(const std::string& path) const {
+  void race(const std::string& path, int swaps) const {
     const std::string canary = textOfTree(canary_);
-    const ForkedProcess swapper([this] { swap(kSwaps); });
+    const ForkedProcess swapper([this, swaps] { swap(swaps); });
     int status = 0;
     while (waitpid(-1, &status, WNOHANG) == 0) {
       (void)errorOfSecureRemoval(path);
@@ -210,7 +205,7 @@ const std::vector<std::string> kSwappedNames{"0", "1", "2", "file 0", "file 1"};
 
 TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForAgainAndAgain) {
   play([](LinuxFileWorld& world) {
-    ExchangedItems(world, "here/doomed", kSwappedNames).race(world.path("here/doomed"));
+    ExchangedItems(world, "here/doomed", kSwappedNames).race(world.path("here/doomed"), kManySwaps);
   });
 }
 
@@ -218,14 +213,14 @@ TEST_P(SecureRemovalTrouble, NeverTouchesWhatItemsAreSwappedForWhereTheKernelKee
   play([](LinuxFileWorld& world) {
     const ExchangedItems items(world, "here/doomed", kSwappedNames);
     failSystemCall(SYS_openat2, ENOSYS);
-    items.race(world.path("here/doomed"));
+    items.race(world.path("here/doomed"), kSomeSwaps);
   });
 }
 
 TEST_P(SecureRemovalTrouble, NeverTouchesWhatTheItemItselfIsSwappedForAgainAndAgain) {
   for (const char* name : {"folder", "file"}) {
     play([name](LinuxFileWorld& world) {
-      ExchangedItems(world, "here", {name}).race(world.path("here") + "/" + name);
+      ExchangedItems(world, "here", {name}).race(world.path("here") + "/" + name, kSomeSwaps);
     });
   }
 }
