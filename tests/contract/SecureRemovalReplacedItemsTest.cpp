@@ -2,6 +2,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -25,11 +26,16 @@ namespace fs = std::filesystem;
 // Runs the part on a thread of its own. Before each renaming there, it waits for `meanwhile`, which
 // gets the number of times before.
 void playWithPauses(const std::function<void(int)>& meanwhile, const std::function<void()>& part) {
-  int number = 0;
+  std::atomic<int> number = 0;
   std::thread([&] {
-    interceptCalls({SYS_renameat2}, [&](const seccomp_data&) { meanwhile(number++); });
+    interceptCalls({SYS_renameat2}, [&](const seccomp_data&) {
+      meanwhile(number);
+      ++number;
+    });
     part();
   }).join();
+  // What was done meanwhile comes before what follows, for a thread sanitizer, too.
+  EXPECT_GT(number, 0);
 }
 
 void writeTo(const fs::path& path, const std::string& contents) {

@@ -126,7 +126,7 @@ TEST(NSStringAllocation, IsNotWastedOnAPatternThatCannotFit) {
 // that grows takes up to three times its size on the way.
 TEST(NSStringAllocation, IsSmallForALongName) {
   loadCharacters();
-  constexpr std::size_t length = 500'000;
+  constexpr std::size_t length = 100'000;
   const std::string name = tests::repeated("\u00E9", length);
   const std::string other = name + " 1";
   EXPECT_LT(bytesDuring([&] { EXPECT_TRUE(holdsNumberedCopyGenerally(other, name)); }),

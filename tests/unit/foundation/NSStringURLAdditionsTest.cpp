@@ -99,10 +99,10 @@ TEST(NSStringURLAdditions, ReplacesInAsciiAsALiteralReplacementDoes) {
 }
 
 TEST(NSStringURLAdditions, ReplacesInAHugeTextInOnePass) {
-  EXPECT_EQ(stringByReplacingOccurrencesOfString(repeated("&", 500'000), "&", "%26"),
-            repeated("%26", 500'000));
-  EXPECT_EQ(stringByReplacingOccurrencesOfString(repeated("\u00E9", 50'000), "e\u0301", "e"),
-            repeated("e", 50'000));
+  EXPECT_EQ(stringByReplacingOccurrencesOfString(repeated("&", 50'000), "&", "%26"),
+            repeated("%26", 50'000));
+  EXPECT_EQ(stringByReplacingOccurrencesOfString(repeated("\u00E9", 10'000), "e\u0301", "e"),
+            repeated("e", 10'000));
 }
 
 TEST(NSStringURLAdditions, MakesAQueryOfADictionaryInItsOrder) {
