@@ -8,14 +8,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -259,87 +255,6 @@ TEST_P(MoveInTrouble, RefusesAFolderIntoItselfHoweverThatIsReached) {
     EXPECT_EQ(error->underlyingErrno, EINVAL);
     EXPECT_TRUE(fs::is_empty(world.path("from/data/volume")));
     EXPECT_TRUE(fs::exists(world.path("from/data/pub/deep/file")));
-  });
-}
-
-constexpr int kFiles = 24;
-
-std::string nameOfFile(int number) {
-  return "tree/" + std::to_string(number % 4) + "/" + std::to_string(number);
-}
-
-std::string contentsOfFile(int number) {
-  return std::string(static_cast<std::size_t>(number) * 700, 'x') + std::to_string(number);
-}
-
-void makeTree(LinuxFileWorld& world) {
-  for (int number = 0; number < kFiles; ++number) {
-    world.file("from/" + nameOfFile(number));
-    std::ofstream(world.path("from/" + nameOfFile(number))) << contentsOfFile(number);
-  }
-}
-
-void moveTree(LinuxFileWorld& world) {
-  advancedMoveItemAtPath(LinuxFileWorld::files(), world.path("from/tree"), world.path("to/tree"));
-}
-
-void waitFor(std::chrono::nanoseconds time) {
-  const timespec rest{.tv_sec = 0, .tv_nsec = time.count()};
-  nanosleep(&rest, nullptr);
-}
-
-// Ends a process that moves the tree after a part of the time that this takes. Answers whether it
-// had not come to its end.
-bool killMove(LinuxFileWorld& world, std::chrono::nanoseconds after) {
-  ForkedProcess mover([&world] {
-    ForkedProcess::isReady();
-    moveTree(world);
-    _exit(0);
-  });
-  mover.awaitReady();
-  waitFor(after);
-  mover.signal(SIGKILL);
-  return mover.awaitEnd() == -SIGKILL;
-}
-
-std::chrono::nanoseconds timeOfMove(LinuxFileWorld& world) {
-  makeTree(world);
-  const auto start = std::chrono::steady_clock::now();
-  moveTree(world);
-  const auto time = std::chrono::steady_clock::now() - start;
-  fs::remove_all(world.path("to/tree"));
-  return std::min<std::chrono::nanoseconds>(time, std::chrono::milliseconds(30));
-}
-
-void expectEachFileOnOneSide(LinuxFileWorld& world) {
-  for (int number = 0; number < kFiles; ++number) {
-    const std::string name = nameOfFile(number);
-    const bool isWhole = contentsOf(world.path("from/" + name)) == contentsOfFile(number) ||
-                         contentsOf(world.path("to/" + name)) == contentsOfFile(number);
-    ASSERT_TRUE(isWhole) << name;
-  }
-}
-
-void clearFolder(const std::string& path) {
-  for (const auto& item : fs::directory_iterator(path)) fs::remove_all(item.path());
-}
-
-TEST_P(MoveInTrouble, LosesNoFileWhenTheProcessIsKilledAtAnyInstant) {
-  constexpr int kKills = 250;
-  play([](LinuxFileWorld& world) {
-    const auto time = timeOfMove(world);
-    std::mt19937 random(20'261'121);
-    std::uniform_int_distribution<long> instant(0, time.count());
-    int cutShort = 0;
-    for (int kill = 0; kill < kKills; ++kill) {
-      makeTree(world);
-      cutShort += killMove(world, std::chrono::nanoseconds(instant(random)));
-      expectEachFileOnOneSide(world);
-      ASSERT_FALSE(testing::Test::HasFatalFailure());
-      clearFolder(world.path("from"));
-      clearFolder(world.path("to"));
-    }
-    EXPECT_GT(cutShort, kKills / 10);
   });
 }
 
