@@ -91,7 +91,7 @@ packages_for() { # GROUP
     test)
       echo python3 python3-gi gir1.2-glib-2.0 dbus xvfb xfce4-notifyd xfconf \
         mate-notification-daemon dunst xdotool imagemagick fonts-dejavu-core nginx-light openssl \
-        util-linux valgrind adwaita-icon-theme
+        util-linux mount e2fsprogs valgrind adwaita-icon-theme
       ;;
     lint) echo clang-format clang-tidy shellcheck python3 ;;
     fuzz) echo clang ;;
