@@ -15,9 +15,9 @@
 
 #include "fs/NSFileManager+FileModificationsAdditions.h"
 #include "platform/files/FileRemover.h"
-#include "tests/contract/ForkedProcess.h"
 #include "tests/contract/support/FailingCall.h"
 #include "tests/contract/support/FileWorld.h"
+#include "tests/contract/support/ForkedProcess.h"
 #include "tests/contract/support/KindOfVolume.h"
 #include "tests/contract/support/TreeText.h"
 #include "tests/contract/support/Walks.h"

@@ -18,7 +18,7 @@
 
 #include "logging/GTMLogger.h"
 #include "logging/family/GTMLogger+VNX.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/ForkedProcess.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace vornix {

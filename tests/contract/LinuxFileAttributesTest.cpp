@@ -10,7 +10,7 @@
 
 #include "platform/files/FileAttributes.h"
 #include "platform/files/MetadataIndex.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/ForkedProcess.h"
 #include "tests/contract/support/KindOfVolume.h"
 #include "tests/support/ScratchFolder.h"
 

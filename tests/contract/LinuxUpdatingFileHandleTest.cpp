@@ -11,7 +11,7 @@
 #include <iterator>
 
 #include "platform/system/NSFileHandle.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/ForkedProcess.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace vornix {

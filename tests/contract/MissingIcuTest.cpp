@@ -10,7 +10,7 @@
 #include "platform/text/CaseMapping.h"
 #include "platform/text/CharacterProperties.h"
 #include "platform/text/NSRegularExpression.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/ForkedProcess.h"
 
 // The sanitizers open files themselves when they look at an object.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "platform/base/Text.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/ForkedProcess.h"
 #include "tests/fakes/FakeApplication.h"
 
 namespace vornix::contract {

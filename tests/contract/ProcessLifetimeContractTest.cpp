@@ -6,7 +6,7 @@
 
 #include "platform/desktop/ProcessLifetime.h"
 #include "platform/runloop/NSRunLoop.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/ForkedProcess.h"
 #include "tests/fakes/FakeProcessLifetime.h"
 
 namespace vornix {

@@ -8,7 +8,7 @@
 
 #include "platform/desktop/ProcessLifetime.h"
 #include "platform/runloop/NSRunLoop.h"
-#include "tests/contract/ForkedProcess.h"
+#include "tests/contract/support/ForkedProcess.h"
 
 namespace vornix {
 namespace {

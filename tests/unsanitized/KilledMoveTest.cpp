@@ -12,9 +12,9 @@
 #include <string>
 
 #include "fs/NSFileManager+FileModificationsAdditions.h"
-#include "tests/contract/ForkedProcess.h"
 #include "tests/contract/support/CrossingVolumes.h"
 #include "tests/contract/support/FileWorld.h"
+#include "tests/contract/support/ForkedProcess.h"
 
 namespace vornix::contract {
 namespace {

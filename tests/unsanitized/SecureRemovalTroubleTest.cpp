@@ -14,8 +14,8 @@
 
 #include "platform/files/FileRemover.h"
 #include "platform/linux/system/FileDescriptor.h"
-#include "tests/contract/ForkedProcess.h"
 #include "tests/contract/support/DeepTree.h"
+#include "tests/contract/support/ForkedProcess.h"
 #include "tests/contract/support/OnVolume.h"
 #include "tests/contract/support/PeakMemory.h"
 

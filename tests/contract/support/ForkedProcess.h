@@ -27,7 +27,7 @@ class ForkedProcess {
   ~ForkedProcess() { close(ready_); }
 
   // In the child: it has come so far.
-  static void isReady() { (void)!write(ready_, "r", 1); }
+  static void isReady() { (void)!::write(ready_, "r", 1); }
   void awaitReady() {
     char byte = 0;
     EXPECT_EQ(read(ready_, &byte, 1), 1);
