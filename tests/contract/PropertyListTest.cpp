@@ -75,7 +75,7 @@ TEST(PropertyListTest, SurvivesRandomChangesOfBinaryAndXmlLists) {
       "<key>When</key><date>2001-01-01T00:00:10Z</date><key>List</key><array><true/>"
       "<string>a &amp; b</string><data>AAEC</data><real>1e3</real></array></dict></plist>";
   std::mt19937 random(20011);
-  for (int round = 0; round < 5000; ++round) {
+  for (int round = 0; round < 20000; ++round) {
     for (std::string bytes : {binary, xml}) {
       for (unsigned changes = 1 + random() % 4; changes > 0; --changes) {
         bytes[random() % bytes.size()] = static_cast<char>(random());

@@ -103,7 +103,7 @@ void loadCharacters() {
 TEST(NSStringAllocation, IsNotWastedOnANameThatCannotFit) {
   loadCharacters();
   for (const std::string_view piece : {"x", "\u00E9", "\u00DF", "\U00010428"}) {
-    const std::string name = tests::repeated(piece, 100'000);
+    const std::string name = tests::repeated(piece, 500'000);
     for (const std::string_view other : {"x 1", "\u00E9 1", "\u0390\u0390 1", ""}) {
       EXPECT_LT(bytesDuring([&] { EXPECT_FALSE(holdsNumberedCopyGenerally(other, name)); }),
                 kLittle)
@@ -116,7 +116,7 @@ TEST(NSStringAllocation, IsNotWastedOnAPatternThatCannotFit) {
   loadCharacters();
   const std::string text = "\u00E9\u1F82 a b";
   for (const std::string_view piece : {"x", "\u00E9", "\uD55C", "e\u0301", "\u0301", "\u1F82"}) {
-    const std::string pattern = "e" + tests::repeated(piece, 100'000);
+    const std::string pattern = "e" + tests::repeated(piece, 500'000);
     EXPECT_LT(bytesDuring([&] { EXPECT_FALSE(text::containsCanonically(text, pattern)); }), kLittle)
         << piece;
   }
@@ -126,7 +126,7 @@ TEST(NSStringAllocation, IsNotWastedOnAPatternThatCannotFit) {
 // that grows takes up to three times its size on the way.
 TEST(NSStringAllocation, IsSmallForALongName) {
   loadCharacters();
-  constexpr std::size_t length = 100'000;
+  constexpr std::size_t length = 500'000;
   const std::string name = tests::repeated("\u00E9", length);
   const std::string other = name + " 1";
   EXPECT_LT(bytesDuring([&] { EXPECT_TRUE(holdsNumberedCopyGenerally(other, name)); }),

@@ -234,14 +234,14 @@ TEST(NSStringNameComparison, StaysLinearForManyWords) {
 
 TEST(NSStringNameComparison, StaysLinearForLongNames) {
   for (const std::string_view letter : {"a"sv, "1"sv, " "sv, "\u00E9"sv, "\u00DF"sv}) {
-    const std::string name = repeated(letter, 10'000);
-    const std::string other = repeated(letter, 20'000) + "x";
+    const std::string name = repeated(letter, 30'000);
+    const std::string other = repeated(letter, 60'000) + "x";
     EXPECT_FALSE(holdsNumberedCopy(other + repeated(" ", 1000), name + "y"));
-    EXPECT_FALSE(holdsNumberedCopy(repeated(letter, 30'000), "y" + name));
-    EXPECT_TRUE(holdsNumberedCopy(repeated(letter, 20'000) + "   7", name));
+    EXPECT_FALSE(holdsNumberedCopy(repeated(letter, 90'000), "y" + name));
+    EXPECT_TRUE(holdsNumberedCopy(repeated(letter, 60'000) + "   7", name));
   }
-  EXPECT_FALSE(holdsNumberedCopy(repeated("a ", 60'000) + "x", " "));
-  EXPECT_FALSE(holdsNumberedCopy(repeated(" ", 120'000) + "x", " "));
+  EXPECT_FALSE(holdsNumberedCopy(repeated("a ", 200'000) + "x", " "));
+  EXPECT_FALSE(holdsNumberedCopy(repeated(" ", 400'000) + "x", " "));
 }
 
 }  // namespace

@@ -238,11 +238,11 @@ TEST(CanonicalSearch, FindsWhatASearchByHandFinds) {
 
 // Each of these takes minutes where the work grows with the product of the lengths.
 TEST(CanonicalSearch, StaysLinearWhereAlmostEveryPlaceAlmostMatches) {
-  const std::string letters = repeated("\u00E1", 20'000);
-  EXPECT_EQ(firstMatch(letters, repeated("a\u0301", 10'000) + "b"), kNone);
-  EXPECT_EQ(firstMatch(letters + "b", repeated("a\u0301", 10'000) + "b"), at(20'000, 20'001));
-  const std::string ascii = repeated("a", 200'000);
-  EXPECT_EQ(firstMatch(ascii, repeated("a", 100'000) + "b"), kNone);
+  const std::string letters = repeated("\u00E1", 100'000);
+  EXPECT_EQ(firstMatch(letters, repeated("a\u0301", 50'000) + "b"), kNone);
+  EXPECT_EQ(firstMatch(letters + "b", repeated("a\u0301", 50'000) + "b"), at(100'000, 100'001));
+  const std::string ascii = repeated("a", 1'000'000);
+  EXPECT_EQ(firstMatch(ascii, repeated("a", 500'000) + "b"), kNone);
 }
 
 TEST(CanonicalSearch, StaysLinearForOneEndlessComposedSequence) {

@@ -1,11 +1,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <mutex>
 #include <set>
@@ -13,22 +11,15 @@
 #include <utility>
 
 #include "fs/NSFileManager+FileModificationsAdditions.h"
-#include "platform/linux/system/FileDescriptor.h"
-#include "tests/contract/support/DeepTree.h"
-#include "tests/contract/support/FailingCall.h"
 #include "tests/contract/support/FileWorld.h"
 #include "tests/contract/support/ForkedProcess.h"
 #include "tests/contract/support/InterceptedCalls.h"
-#include "tests/contract/support/PeakMemory.h"
-#include "tests/contract/support/SwappedItems.h"
 #include "tests/contract/support/TreeText.h"
 
 namespace vornix::contract {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr long kMostKilobytes = 64L << 10;
 
 std::int64_t removalCode(const std::string& path) {
   std::optional<NSError> error;
@@ -38,10 +29,7 @@ std::int64_t removalCode(const std::string& path) {
   return error ? error->code : 0;
 }
 
-class FileRemovalOn : public testing::TestWithParam<const char*> {
- protected:
-  [[nodiscard]] static bool isMemory() { return GetParam() == std::string("memory"); }
-};
+class FileRemovalOn : public testing::TestWithParam<const char*> {};
 
 INSTANTIATE_TEST_SUITE_P(, FileRemovalOn, testing::Values("disk", "memory"),
                          [](const auto& each) { return std::string(each.param); });
@@ -54,44 +42,6 @@ FakeFileWorld::Outcome playOn(const std::string& volume,
     if (volume == "memory") world.mount("here");
     story(world);
   });
-}
-
-TEST_P(FileRemovalOn, NeedsNoMoreDescriptorsAndMemoryForDeepFolders) {
-  const auto outcome = LinuxFileWorld::play([&](LinuxFileWorld& world) {
-    world.folder("here");
-    // Many new folders far apart on a real disk are minutes of its arm's work.
-    if (isMemory())
-      world.mount("here");
-    else
-      world.mountImage("here", "-b 1024 -I 128 -N 21000 -O ^has_journal");
-    makeDeepTree(world.path("here/deep"), 10'000);
-    const rlimit few{.rlim_cur = 64, .rlim_max = 64};
-    EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
-    const PeakMemory memory;
-    EXPECT_EQ(removalCode(world.path("here/deep")), 0);
-    EXPECT_LT(memory.growthInKilobytes(), kMostKilobytes);
-  });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
-}
-
-TEST_P(FileRemovalOn, NeedsLittleMemoryForManyItemsInOneFolder) {
-  // Disks are slow to make many items.
-  const int items = isMemory() ? 100'000 : 20'000;
-  const auto outcome = playOn(GetParam(), [&](LinuxFileWorld& world) {
-    world.folder("here/many");
-    const FileDescriptor folder(open(world.path("here/many").c_str(), O_RDONLY | O_CLOEXEC));
-    for (int number = 0; number < items; ++number) {
-      const std::string name = "a name that is as long as many are " + std::to_string(number);
-      // Folders too, more than names are kept for.
-      const int made = number % 8 == 0 ? mkdirat(folder.get(), name.c_str(), 0700)
-                                       : mknodat(folder.get(), name.c_str(), S_IFREG | 0600, 0);
-      ASSERT_EQ(made, 0);
-    }
-    const PeakMemory memory;
-    EXPECT_EQ(removalCode(world.path("here/many")), 0);
-    EXPECT_LT(memory.growthInKilobytes(), kMostKilobytes / 8);
-  });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST_P(FileRemovalOn, TakesWhatAnotherProcessRemovesMeanwhileForRemoved) {
@@ -177,24 +127,6 @@ TEST_P(FileRemovalOn, EmptiesTheFolderThatWasListedWhateverStandsAtItsPathThen) 
   if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
-TEST(LinuxFileRemoval, NeedsLittleMemoryToEmptyAFolderOfManyItems) {
-  constexpr int kItems = 200'000;
-  const auto outcome = LinuxFileWorld::play([](LinuxFileWorld& world) {
-    world.folder("many");
-    world.mount("many");
-    const FileDescriptor folder(open(world.path("many").c_str(), O_RDONLY | O_CLOEXEC));
-    for (int number = 0; number < kItems; ++number) {
-      const std::string name = "a name of 25 bytes " + std::to_string(100'000 + number);
-      ASSERT_EQ(mknodat(folder.get(), name.c_str(), S_IFREG | 0600, 0), 0);
-    }
-    const PeakMemory memory;
-    EXPECT_TRUE(removeContentsOfDirectoryAtPath(LinuxFileWorld::files(), world.path("many")));
-    EXPECT_TRUE(fs::is_empty(world.path("many")));
-    EXPECT_LT(memory.growthInKilobytes(), kMostKilobytes / 5);
-  });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
-}
-
 TEST(LinuxFileRemoval, FindsNothingBelowACurrentFolderThatIsGone) {
   LinuxFileWorld::play([](LinuxFileWorld& world) {
     world.file("folder/file");
@@ -219,20 +151,6 @@ TEST(LinuxFileRemoval, FindsNothingBelowACurrentFolderThatIsGone) {
     EXPECT_EQ(error->code, 260);
     EXPECT_TRUE(fs::exists(world.path("folder/file")));
   });
-}
-
-TEST_P(FileRemovalOn, NeverTouchesWhatItemsAreSwappedFor) {
-  const auto outcome = playOn(GetParam(), [&](LinuxFileWorld& world) {
-    // One system call is enough to open a folder; another way is for systems that lack it.
-    for (const bool hasCall : {true, false}) {
-      if (!hasCall) failSystemCall(SYS_openat2, ENOSYS);
-      const SwappedItems items(world, "here");
-      items.race(hasCall ? kManySwaps : kSomeSwaps, [&items] {
-        (void)NSFileManager::defaultManager().removeItemAtPath(items.doomed());
-      });
-    }
-  });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST(LinuxFileRemoval, LeavesAloneWhatIsMountedBelowAFolder) {
