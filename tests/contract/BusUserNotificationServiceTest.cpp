@@ -55,7 +55,7 @@ class BusUserNotificationServiceTest : public testing::Test {
   // Something happens as soon as the agent has its name.
   void whenAgentAppears(std::function<void()> action) {
     appearance_ = other_.subscribe({.member = "NameOwnerChanged", .firstArgument = kAgentBusName},
-                                   [this, action](BusMessage& signal) {
+                                   [action](BusMessage& signal) {
                                      static_cast<void>(signal.readString());
                                      static_cast<void>(signal.readString());
                                      if (!signal.readString().value_or("").empty()) {

@@ -19,6 +19,7 @@
 #include "logging/GTMLogger.h"
 #include "logging/family/GTMLogger+VNX.h"
 #include "tests/contract/support/ForkedProcess.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace vornix {
@@ -28,11 +29,7 @@ using contract::ForkedProcess;
 using testing::EndsWith;
 using testing::MatchesRegex;
 
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-constexpr int kLinesInAll = 40'000;
-#else
-constexpr int kLinesInAll = 1'000'000;
-#endif
+constexpr int kLinesInAll = tests::kUnderSanitizer ? 40'000 : 1'000'000;
 constexpr int kProcesses = 2;
 constexpr int kThreads = 4;
 constexpr int kLinesPerThread = kLinesInAll / kProcesses / kThreads;

@@ -142,7 +142,7 @@ TEST(LocaleEnvironment, ReadsTheLanguagesInOrderOfPrecedence) {
       {{{"LANG", "d\xC3\xA9_DE"}}, {}},
   };
   for (const auto& [variables, expected] : table) {
-    const auto lookup = [&variables](const char* name) -> std::optional<std::string> {
+    const auto lookup = [&variables = variables](const char* name) -> std::optional<std::string> {
       const auto found = variables.find(name);
       return found != variables.end() ? std::optional(found->second) : std::nullopt;
     };

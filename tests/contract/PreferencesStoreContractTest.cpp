@@ -77,7 +77,7 @@ TYPED_TEST(PreferencesStoreContractTest, KeepsEveryKindOfValueWithItsType) {
                           Data{},
                           Data{std::byte{0}, std::byte{255}},
                           Array{},
-                          Array{1, "two", Array{3.5}},
+                          Array{1, "two", Array{Value(3.5)}},
                           Dictionary{},
                           Dictionary{{"b", 1}, {"a", Dictionary{{"deep", Date{0.25}}}}}};
   for (const Value& value : values) {

@@ -9,6 +9,7 @@
 #include "platform/base/Text.h"
 #include "tests/support/RandomText.h"
 #include "tests/support/Repeated.h"
+#include "tests/support/Sanitizers.h"
 
 namespace vornix {
 namespace {
@@ -99,11 +100,7 @@ TEST(NSStringURLAdditions, ReplacesInAsciiAsALiteralReplacementDoes) {
 }
 
 // A thread sanitizer takes minutes for more, and has one thread to look at.
-#if defined(__SANITIZE_THREAD__)
-constexpr std::size_t kManyPieces = 10'000;
-#else
-constexpr std::size_t kManyPieces = 50'000;
-#endif
+constexpr std::size_t kManyPieces = tests::kUnderThreadSanitizer ? 10'000 : 50'000;
 
 TEST(NSStringURLAdditions, ReplacesInAHugeTextInOnePass) {
   EXPECT_EQ(stringByReplacingOccurrencesOfString(repeated("&", 10 * kManyPieces), "&", "%26"),

@@ -75,7 +75,7 @@ TEST_F(VXPathsPhotoLibraries, FindNoIPhotoLibraryInAStringInsteadOfAnArray) {
   EXPECT_EQ(paths.iPhotoRecentLibraryPath(), std::nullopt);
   setSharedLibraries(Dictionary{{"iPhotoRecentDatabases", Array{}}});
   EXPECT_EQ(paths.iPhotoRecentLibraryPath(), std::nullopt);
-  setSharedLibraries(Dictionary{{"iPhotoRecentDatabases", Array{Array{"file:///a/b"}}}});
+  setSharedLibraries(Dictionary{{"iPhotoRecentDatabases", Array{Value(Array{"file:///a/b"})}}});
   EXPECT_EQ(paths.iPhotoRecentLibraryPath(), std::nullopt);
 }
 

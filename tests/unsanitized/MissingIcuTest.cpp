@@ -12,9 +12,6 @@
 #include "platform/text/NSRegularExpression.h"
 #include "tests/contract/support/ForkedProcess.h"
 
-// The sanitizers open files themselves when they look at an object.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-
 namespace vornix {
 namespace {
 
@@ -87,5 +84,3 @@ TEST(MissingIcu, LeavesEveryRegularExpressionUncompiled) {
 
 }  // namespace
 }  // namespace vornix
-
-#endif
