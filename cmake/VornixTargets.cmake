@@ -54,6 +54,8 @@ function(vornix_precompile name kind)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Without it no compiler cache knows what the precompiled header held.
     target_compile_options(${name} PRIVATE -fpch-preprocess)
+  else()
+    target_compile_options(${name} PRIVATE "SHELL:-Xclang -fno-pch-timestamp")
   endif()
 endfunction()
 

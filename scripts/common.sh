@@ -94,7 +94,7 @@ packages_for() { # GROUP
         util-linux mount e2fsprogs valgrind adwaita-icon-theme
       ;;
     lint) echo clang-format clang-tidy shellcheck python3 ;;
-    fuzz) echo clang ;;
+    sanitizers) echo clang libclang-rt-dev llvm ;;
     bench) echo python3 valgrind time binutils libssl-dev strace bfs fd-find ;;
     demo) echo python3 dbus nginx-light openssl util-linux ;;
   esac
