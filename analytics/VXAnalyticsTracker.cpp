@@ -1,8 +1,8 @@
 #include "analytics/VXAnalyticsTracker.h"
 
-#include <mutex>
 #include <utility>
 
+#include "platform/base/Mutex.h"
 #include "settings/PreferenceKey.h"
 
 namespace vornix {
@@ -10,8 +10,8 @@ namespace {
 
 // Recursive, since the making of the tracker may ask for it.
 struct SharedTracker {
-  std::recursive_mutex mutex;
-  std::shared_ptr<VXAnalyticsTracker> tracker;
+  RecursiveMutex mutex;
+  std::shared_ptr<VXAnalyticsTracker> tracker VORNIX_GUARDED_BY(mutex);
 };
 
 SharedTracker& sharedTracker() {
@@ -23,13 +23,13 @@ SharedTracker& sharedTracker() {
 
 std::shared_ptr<VXAnalyticsTracker> VXAnalyticsTracker::defaultTracker() {
   auto& shared = sharedTracker();
-  const std::lock_guard lock(shared.mutex);
+  const Lock lock(shared.mutex);
   return shared.tracker ? shared.tracker : create(processAnalyticsServices());
 }
 
 std::shared_ptr<VXAnalyticsTracker> VXAnalyticsTracker::create(AnalyticsServices services) {
   auto& shared = sharedTracker();
-  const std::lock_guard lock(shared.mutex);
+  const Lock lock(shared.mutex);
   if (shared.tracker) return shared.tracker;
   shared.tracker = std::shared_ptr<VXAnalyticsTracker>(new VXAnalyticsTracker(std::move(services)));
   shared.tracker->setUp();

@@ -11,7 +11,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # Conversions of signs are part of its -Wconversion, unlike that of the compiler we ship with.
-  target_compile_options(vornix_options INTERFACE -Wno-sign-conversion)
+  target_compile_options(vornix_options INTERFACE -Wno-sign-conversion -Wthread-safety)
 endif()
 target_include_directories(vornix_options INTERFACE "${CMAKE_SOURCE_DIR}")
 # The real platform comes as a bundle of objects: what a program does not reach is left out, and what

@@ -1,10 +1,10 @@
 #include "foundation/MainThreadDispatch.h"
 
-#include <mutex>
 #include <utility>
 
 #include "foundation/NSObject+PerformBlockAfterDelay.h"
 #include "logging/GTMLogger.h"
+#include "platform/base/Mutex.h"
 #include "platform/runloop/DispatchGroup.h"
 #include "platform/runloop/GuardedCall.h"
 #include "platform/runloop/NSNotificationCenter.h"
@@ -49,7 +49,7 @@ class AgentInterruption : public std::enable_shared_from_this<AgentInterruption>
 
   void observe() {
     // An announcement that comes at once waits for the token.
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     token_ = NSNotificationCenter::defaultCenter().addObserver(
         PrivilegedAgentHasInterrupted, [self = shared_from_this()](const NSNotification&) {
           self->group_->leave();
@@ -59,14 +59,14 @@ class AgentInterruption : public std::enable_shared_from_this<AgentInterruption>
 
   void end() {
     // Whoever comes second returns when the first has removed the observer.
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     NSNotificationCenter::defaultCenter().removeObserver(std::exchange(token_, {}));
   }
 
  private:
   const std::shared_ptr<DispatchGroup> group_;
-  std::mutex mutex_;
-  NSNotificationCenter::ObserverToken token_;
+  Mutex mutex_;
+  NSNotificationCenter::ObserverToken token_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace

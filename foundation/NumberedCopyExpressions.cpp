@@ -1,12 +1,12 @@
 #include "foundation/NumberedCopyExpressions.h"
 
 #include <algorithm>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/base/Format.h"
+#include "platform/base/Mutex.h"
 
 namespace vornix {
 namespace {
@@ -30,7 +30,7 @@ class Expressions {
   }
 
   Expression expressionFor(std::string_view name) {
-    const std::scoped_lock lock(mutex_);
+    const Lock lock(mutex_);
     const auto known = std::ranges::find(kept_, name, &Kept::first);
     if (known != kept_.end()) {
       std::rotate(kept_.begin(), known, known + 1);
@@ -44,8 +44,8 @@ class Expressions {
  private:
   using Kept = std::pair<std::string, Expression>;
 
-  std::mutex mutex_;
-  std::vector<Kept> kept_{};
+  Mutex mutex_;
+  std::vector<Kept> kept_ VORNIX_GUARDED_BY(mutex_){};
 };
 
 }  // namespace

@@ -22,7 +22,7 @@ system_clock::time_point deadlineAfter(double seconds) {
 
 void VXConditionalLock::initialize() {
   setupInitialValues();
-  const std::lock_guard lock(monitor_);
+  const Lock lock(monitor_);
   setLocked(shouldLockForValue(value_));
 }
 
@@ -38,18 +38,18 @@ void VXConditionalLock::setValue(std::shared_ptr<NSObject> value) {
   // Released after the monitor: the end of a value may wait for a thread that asks this lock.
   const auto current = value;
   std::shared_ptr<NSObject> old;
-  const std::lock_guard lock(monitor_);
+  const Lock lock(monitor_);
   old = std::exchange(value_, std::move(value));
   setLocked(shouldLockForValue(current));
 }
 
 std::shared_ptr<NSObject> VXConditionalLock::value() const {
-  const std::lock_guard lock(monitor_);
+  const Lock lock(monitor_);
   return value_;
 }
 
 void VXConditionalLock::setLocked(bool locked) {
-  const std::lock_guard lock(monitor_);
+  const Lock lock(monitor_);
   if (isLocked_ == locked) return;
   isLocked_ = locked;
   if (locked) return;
@@ -74,19 +74,19 @@ void VXConditionalLock::waitForUnlock() {
 }
 
 VXConditionalLock::Groups VXConditionalLock::groupsToLeaveOnUnlock() const {
-  const std::lock_guard lock(monitor_);
+  const Lock lock(monitor_);
   return groupsToLeaveOnUnlock_;
 }
 
 void VXConditionalLock::setGroupsToLeaveOnUnlock(Groups groups) {
-  const std::lock_guard lock(monitor_);
+  const Lock lock(monitor_);
   groupsToLeaveOnUnlock_ = std::move(groups);
 }
 
 // The check and the registration happen under the monitor that an unlock holds as well, so that no
 // unlock slips between them; the wait is outside it. Null when the lock is unlocked.
 std::shared_ptr<DispatchGroup> VXConditionalLock::joinWaiters() {
-  const std::lock_guard lock(monitor_);
+  const Lock lock(monitor_);
   if (!isLocked_) return nullptr;
   auto group = std::make_shared<DispatchGroup>();
   group->enter();

@@ -3,9 +3,9 @@
 #include <atomic>
 #include <concepts>
 #include <memory>
-#include <mutex>
 #include <set>
 
+#include "platform/base/Mutex.h"
 #include "platform/base/NSObject.h"
 #include "platform/runloop/DispatchGroup.h"
 
@@ -60,10 +60,10 @@ class VXConditionalLock : public NSObject {
   void initialize();
   [[nodiscard]] std::shared_ptr<DispatchGroup> joinWaiters();
 
-  mutable std::recursive_mutex monitor_;
-  std::shared_ptr<NSObject> value_;
+  mutable RecursiveMutex monitor_;
+  std::shared_ptr<NSObject> value_ VORNIX_GUARDED_BY(monitor_);
   std::atomic<bool> isLocked_ = false;
-  Groups groupsToLeaveOnUnlock_;
+  Groups groupsToLeaveOnUnlock_ VORNIX_GUARDED_BY(monitor_);
 };
 
 }  // namespace vornix

@@ -36,87 +36,91 @@ VXPaths& VXPaths::sharedInstance() {
 }
 
 template <typename T, typename Compute>
-VXPaths::Field<T> VXPaths::cached(Field<T>& field, const Compute& compute) const {
-  const std::lock_guard lock(mutex_);
-  if (!field) field = compute();
-  return field;
+VXPaths::Field<T> VXPaths::cached(Field<T> Fields::*field, const Compute& compute) const {
+  const Lock lock(mutex_);
+  Field<T>& value = kept(field);
+  if (!value) value = compute();
+  return value;
 }
 
 template <typename T, typename Compute>
-T VXPaths::cachedValue(Field<T>& field, const Compute& compute) const {
-  const std::lock_guard lock(mutex_);
-  return field ? *field : field.emplace(compute());
+T VXPaths::cachedValue(Field<T> Fields::*field, const Compute& compute) const {
+  const Lock lock(mutex_);
+  Field<T>& value = kept(field);
+  return value ? *value : value.emplace(compute());
 }
 
 template <typename T, typename Compute>
-VXPaths::Field<T> VXPaths::cachedUnlocked(Field<T>& field, const Compute& compute) const {
+VXPaths::Field<T> VXPaths::cachedUnlocked(Field<T> Fields::*field, const Compute& compute) const {
   {
-    const std::lock_guard lock(mutex_);
-    if (field) return field;
+    const Lock lock(mutex_);
+    if (const Field<T>& known = kept(field)) return known;
   }
-  Field<T> value = compute();
-  const std::lock_guard lock(mutex_);
-  if (!field) field = std::move(value);
-  return field;
+  Field<T> computed = compute();
+  const Lock lock(mutex_);
+  Field<T>& value = kept(field);
+  if (!value) value = std::move(computed);
+  return value;
 }
 
 template <typename T>
-void VXPaths::store(Field<T>& field, Field<T> value) {
-  const std::lock_guard lock(mutex_);
-  field = std::move(value);
+void VXPaths::store(Field<T> Fields::*field, Field<T> value) {
+  const Lock lock(mutex_);
+  kept(field) = std::move(value);
 }
 
 NSURL VXPaths::userHome() const {
-  return cachedValue(
-      userHome_, [this] { return NSURL::fileURLWithPath(NSHomeDirectory(directories_), true); });
+  return cachedValue(&Fields::userHome, [this] {
+    return NSURL::fileURLWithPath(NSHomeDirectory(directories_), true);
+  });
 }
 
 std::optional<NSURL> VXPaths::downloadsURL() const {
-  return cached(downloadsURL_, [this] {
+  return cached(&Fields::downloadsURL, [this] {
     return onlyOne(files_.URLsForDirectory(NSDownloadsDirectory, NSUserDomainMask));
   });
 }
 
 std::optional<NSURL> VXPaths::userLibraryURL() const {
-  return cached(userLibraryURL_, [this] {
+  return cached(&Fields::userLibraryURL, [this] {
     return onlyOne(files_.URLsForDirectory(NSLibraryDirectory, NSUserDomainMask));
   });
 }
 
 std::optional<NSURL> VXPaths::userCaches() const {
-  return cached(userCaches_, [this] {
+  return cached(&Fields::userCaches, [this] {
     return onlyOne(files_.URLsForDirectory(NSCachesDirectory, NSUserDomainMask));
   });
 }
 
 std::optional<NSURL> VXPaths::allUsersCaches() const {
-  return cached(allUsersCaches_, [this] {
+  return cached(&Fields::allUsersCaches, [this] {
     return onlyOne(files_.URLsForDirectory(NSCachesDirectory, NSLocalDomainMask));
   });
 }
 
 std::vector<std::string> VXPaths::libraryPaths() const {
-  return cachedValue(libraryPaths_, [this] {
+  return cachedValue(&Fields::libraryPaths, [this] {
     return NSSearchPathForDirectoriesInDomains(
         NSLibraryDirectory, NSUserDomainMask | NSLocalDomainMask, true, directories_);
   });
 }
 
 std::vector<std::string> VXPaths::applicationSupportPaths() const {
-  return cachedValue(applicationSupportPaths_, [this] {
+  return cachedValue(&Fields::applicationSupportPaths, [this] {
     return NSSearchPathForDirectoriesInDomains(
         NSApplicationSupportDirectory, NSUserDomainMask | NSLocalDomainMask, true, directories_);
   });
 }
 
 std::string VXPaths::userTempPath() const {
-  return cachedValue(userTempPath_, [this] {
+  return cachedValue(&Fields::userTempPath, [this] {
     return stringByStandardizingPath(NSTemporaryDirectory(directories_), files_);
   });
 }
 
 std::optional<NSURL> VXPaths::darwinUserCaches() const {
-  return cached(darwinUserCaches_, [this] { return computedDarwinUserCaches(); });
+  return cached(&Fields::darwinUserCaches, [this] { return computedDarwinUserCaches(); });
 }
 
 std::optional<NSURL> VXPaths::computedDarwinUserCaches() const {
@@ -129,7 +133,7 @@ std::optional<NSURL> VXPaths::computedDarwinUserCaches() const {
 
 NSURL VXPaths::appPreferences() const {
   const auto compute = [this] { return std::optional(computedAppPreferences()); };
-  return cachedUnlocked(appPreferences_, compute).value();
+  return cachedUnlocked(&Fields::appPreferences, compute).value();
 }
 
 NSURL VXPaths::computedAppPreferences() const {
@@ -141,7 +145,7 @@ NSURL VXPaths::computedAppPreferences() const {
 }
 
 std::optional<std::string> VXPaths::applicationSupport() const {
-  return cachedUnlocked(applicationSupport_,
+  return cachedUnlocked(&Fields::applicationSupport,
                         [this] { return userApplicationSupportDirectory(files_); });
 }
 
@@ -164,47 +168,47 @@ std::optional<std::string> VXPaths::vnxLogFolderPath() const {
 }
 
 void VXPaths::setUserHomeStorage(std::optional<NSURL> url) {
-  store(userHome_, std::move(url));
+  store(&Fields::userHome, std::move(url));
 }
 
 void VXPaths::setDownloadsURL(std::optional<NSURL> url) {
-  store(downloadsURL_, std::move(url));
+  store(&Fields::downloadsURL, std::move(url));
 }
 
 void VXPaths::setLibraryPaths(std::optional<std::vector<std::string>> paths) {
-  store(libraryPaths_, std::move(paths));
+  store(&Fields::libraryPaths, std::move(paths));
 }
 
 void VXPaths::setUserLibraryURL(std::optional<NSURL> url) {
-  store(userLibraryURL_, std::move(url));
+  store(&Fields::userLibraryURL, std::move(url));
 }
 
 void VXPaths::setApplicationSupportPaths(std::optional<std::vector<std::string>> paths) {
-  store(applicationSupportPaths_, std::move(paths));
+  store(&Fields::applicationSupportPaths, std::move(paths));
 }
 
 void VXPaths::setUserCaches(std::optional<NSURL> url) {
-  store(userCaches_, std::move(url));
+  store(&Fields::userCaches, std::move(url));
 }
 
 void VXPaths::setAllUsersCaches(std::optional<NSURL> url) {
-  store(allUsersCaches_, std::move(url));
+  store(&Fields::allUsersCaches, std::move(url));
 }
 
 void VXPaths::setUserTempPath(std::optional<std::string> path) {
-  store(userTempPath_, std::move(path));
+  store(&Fields::userTempPath, std::move(path));
 }
 
 void VXPaths::setDarwinUserCachesStorage(std::optional<NSURL> url) {
-  store(darwinUserCaches_, std::move(url));
+  store(&Fields::darwinUserCaches, std::move(url));
 }
 
 void VXPaths::setApplicationSupportStorage(std::optional<std::string> path) {
-  store(applicationSupport_, std::move(path));
+  store(&Fields::applicationSupport, std::move(path));
 }
 
 void VXPaths::setAppPreferencesStorage(std::optional<NSURL> url) {
-  store(appPreferences_, std::move(url));
+  store(&Fields::appPreferences, std::move(url));
 }
 
 }  // namespace vornix

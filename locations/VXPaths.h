@@ -1,11 +1,11 @@
 #pragma once
 
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/files/NSURL.h"
 
 namespace vornix {
@@ -107,18 +107,35 @@ class VXPaths {
   // Where a value is kept until it is asked for again.
   template <typename T>
   using Field = std::optional<T>;
+  struct Fields {
+    Field<NSURL> userHome;
+    Field<NSURL> downloadsURL;
+    Field<std::vector<std::string>> libraryPaths;
+    Field<NSURL> userLibraryURL;
+    Field<std::vector<std::string>> applicationSupportPaths;
+    Field<NSURL> userCaches;
+    Field<NSURL> allUsersCaches;
+    Field<std::string> userTempPath;
+    Field<NSURL> darwinUserCaches;
+    Field<std::string> applicationSupport;
+    Field<NSURL> appPreferences;
+  };
 
   // What the field holds, computed under the lock where that is nothing. The first computes an
   // optional value.
   template <typename T, typename Compute>
-  Field<T> cached(Field<T>& field, const Compute& compute) const;
+  Field<T> cached(Field<T> Fields::*field, const Compute& compute) const;
   template <typename T, typename Compute>
-  T cachedValue(Field<T>& field, const Compute& compute) const;
+  T cachedValue(Field<T> Fields::*field, const Compute& compute) const;
   // The same without the lock meanwhile, so that two threads may compute it.
   template <typename T, typename Compute>
-  Field<T> cachedUnlocked(Field<T>& field, const Compute& compute) const;
+  Field<T> cachedUnlocked(Field<T> Fields::*field, const Compute& compute) const;
   template <typename T>
-  void store(Field<T>& field, Field<T> value);
+  void store(Field<T> Fields::*field, Field<T> value);
+  template <typename T>
+  [[nodiscard]] Field<T>& kept(Field<T> Fields::*field) const VORNIX_REQUIRES(mutex_) {
+    return fields_.*field;
+  }
 
   [[nodiscard]] NSURL inHome(std::string_view relativePath) const;
   [[nodiscard]] NSURL computedAppPreferences() const;
@@ -129,18 +146,8 @@ class VXPaths {
   const NSBundle& mainBundle_;
   const ResourceFiles& resources_;
 
-  mutable std::mutex mutex_;
-  mutable Field<NSURL> userHome_;
-  mutable Field<NSURL> downloadsURL_;
-  mutable Field<std::vector<std::string>> libraryPaths_;
-  mutable Field<NSURL> userLibraryURL_;
-  mutable Field<std::vector<std::string>> applicationSupportPaths_;
-  mutable Field<NSURL> userCaches_;
-  mutable Field<NSURL> allUsersCaches_;
-  mutable Field<std::string> userTempPath_;
-  mutable Field<NSURL> darwinUserCaches_;
-  mutable Field<std::string> applicationSupport_;
-  mutable Field<NSURL> appPreferences_;
+  mutable Mutex mutex_;
+  mutable Fields fields_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace vornix

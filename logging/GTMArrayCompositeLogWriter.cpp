@@ -9,7 +9,7 @@ GTMArrayCompositeLogWriter::GTMArrayCompositeLogWriter(
     : elements_(std::move(elements)) {}
 
 void GTMArrayCompositeLogWriter::logMessage(std::string_view message, LogLevel level) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   for (const auto& element : elements_) {
     if (auto* writer = dynamic_cast<GTMLogWriter*>(element.get())) {
       writer->logMessage(message, level);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <vector>
 
 #include "logging/GTMLogger.h"
+#include "platform/base/Mutex.h"
 #include "platform/base/NSObject.h"
 
 namespace vornix {
@@ -23,7 +23,7 @@ class GTMArrayCompositeLogWriter : public NSObject, public GTMLogWriter {
   [[nodiscard]] std::string_view className() const override { return "GTMArrayCompositeLogWriter"; }
 
  private:
-  std::recursive_mutex mutex_;
+  RecursiveMutex mutex_;
   const std::vector<std::shared_ptr<NSObject>> elements_;
 };
 

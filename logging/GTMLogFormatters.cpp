@@ -73,7 +73,7 @@ GTMLogStandardFormatter::GTMLogStandardFormatter(std::unique_ptr<NSDateFormatter
       clock_(clock) {}
 
 std::string GTMLogStandardFormatter::currentTime() {
-  const std::lock_guard lock(dateFormatterMutex_);
+  const Lock lock(dateFormatterMutex_);
   return dateFormatter_->stringFromDate(clock_.now());
 }
 

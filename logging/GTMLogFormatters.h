@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "logging/GTMLogger.h"
+#include "platform/base/Mutex.h"
 #include "platform/base/NSObject.h"
 #include "platform/system/NSDateFormatter.h"
 #include "platform/system/NSProcessInfo.h"
@@ -57,8 +57,8 @@ class GTMLogStandardFormatter : public GTMLogBasicFormatter {
  private:
   [[nodiscard]] std::string currentTime();
 
-  std::recursive_mutex dateFormatterMutex_;
-  std::unique_ptr<NSDateFormatter> dateFormatter_;
+  RecursiveMutex dateFormatterMutex_;
+  std::unique_ptr<NSDateFormatter> dateFormatter_ VORNIX_GUARDED_BY(dateFormatterMutex_);
   std::string pname_;
   std::int32_t pid_;
   const SystemClock& clock_;

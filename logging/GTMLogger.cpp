@@ -12,8 +12,8 @@ namespace vornix {
 namespace {
 
 struct SharedReference {
-  std::mutex mutex;
-  std::shared_ptr<GTMLogger> logger;
+  Mutex mutex;
+  std::shared_ptr<GTMLogger> logger VORNIX_GUARDED_BY(mutex);
 };
 
 // Never destroyed: threads may log until the process ends.
@@ -23,7 +23,7 @@ SharedReference& shared() {
 }
 
 std::shared_ptr<GTMLogger> currentSharedLogger() {
-  const std::lock_guard lock(shared().mutex);
+  const Lock lock(shared().mutex);
   return shared().logger;
 }
 
@@ -35,19 +35,6 @@ std::shared_ptr<GTMLogger> errorsOnlyLogger() {
 std::shared_ptr<GTMLogger> buildSharedLogger() {
   auto logger = GTMLogger::standardLogger();
   return logger != nullptr ? logger : errorsOnlyLogger();
-}
-
-template <typename Part>
-std::shared_ptr<Part> readPart(std::mutex& mutex, const std::shared_ptr<Part>& part) {
-  const std::lock_guard lock(mutex);
-  return part;
-}
-
-// The old part ends after the lock is left, since its end may log.
-template <typename Part>
-void swapPart(std::mutex& mutex, std::shared_ptr<Part>& part, std::shared_ptr<Part>& replacement) {
-  const std::lock_guard lock(mutex);
-  part.swap(replacement);
 }
 
 std::optional<std::string_view> functionText(const char* function) {
@@ -74,13 +61,15 @@ std::shared_ptr<GTMLogger> GTMLogger::sharedLogger() {
   building = true;
   auto built = buildSharedLogger();
   building = false;
-  const std::lock_guard lock(shared().mutex);
+  const Lock lock(shared().mutex);
   if (shared().logger == nullptr) shared().logger = std::move(built);
   return shared().logger;
 }
 
 void GTMLogger::setSharedLogger(std::shared_ptr<GTMLogger> logger) {
-  swapPart(shared().mutex, shared().logger, logger);
+  // The old logger ends after the lock is left, since its end may log.
+  const Lock lock(shared().mutex);
+  shared().logger.swap(logger);
 }
 
 std::shared_ptr<GTMLogger> GTMLogger::loggerWithWriter(std::shared_ptr<GTMLogWriter> writer,
@@ -94,32 +83,39 @@ std::shared_ptr<GTMLogger> GTMLogger::logger() {
 }
 
 std::shared_ptr<GTMLogWriter> GTMLogger::writer() const {
-  return readPart(mutex_, writer_);
+  const Lock lock(mutex_);
+  return writer_;
 }
 
 std::shared_ptr<GTMLogFormatter> GTMLogger::formatter() const {
-  return readPart(mutex_, formatter_);
+  const Lock lock(mutex_);
+  return formatter_;
 }
 
 std::shared_ptr<GTMLogFilter> GTMLogger::filter() const {
-  return readPart(mutex_, filter_);
+  const Lock lock(mutex_);
+  return filter_;
 }
 
+// What is replaced by these three ends after the lock is left, since its end may log.
 void GTMLogger::setWriter(std::shared_ptr<GTMLogWriter> writer) {
   if (writer == nullptr) {
     writer = std::make_shared<GTMFileHandleLogWriter>(NSFileHandle::fileHandleWithStandardOutput());
   }
-  swapPart(mutex_, writer_, writer);
+  const Lock lock(mutex_);
+  writer_.swap(writer);
 }
 
 void GTMLogger::setFormatter(std::shared_ptr<GTMLogFormatter> formatter) {
   if (formatter == nullptr) formatter = std::make_shared<GTMLogBasicFormatter>();
-  swapPart(mutex_, formatter_, formatter);
+  const Lock lock(mutex_);
+  formatter_.swap(formatter);
 }
 
 void GTMLogger::setFilter(std::shared_ptr<GTMLogFilter> filter) {
   if (filter == nullptr) filter = std::make_shared<GTMLogNoFilter>();
-  swapPart(mutex_, filter_, filter);
+  const Lock lock(mutex_);
+  filter_.swap(filter);
 }
 
 void GTMLogger::logInternalFunc(const char* function, std::optional<std::string_view> format,

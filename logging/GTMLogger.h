@@ -3,12 +3,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/base/Format.h"
+#include "platform/base/Mutex.h"
 #include "platform/base/NSObject.h"
 
 namespace vornix {
@@ -147,10 +147,10 @@ class GTMLogger : public NSObject, public GTMLogWriter {
   }
 
   // Guards the three references for the moment of a copy or a swap, never while a part runs.
-  mutable std::mutex mutex_;
-  std::shared_ptr<GTMLogWriter> writer_;
-  std::shared_ptr<GTMLogFormatter> formatter_;
-  std::shared_ptr<GTMLogFilter> filter_;
+  mutable Mutex mutex_;
+  std::shared_ptr<GTMLogWriter> writer_ VORNIX_GUARDED_BY(mutex_);
+  std::shared_ptr<GTMLogFormatter> formatter_ VORNIX_GUARDED_BY(mutex_);
+  std::shared_ptr<GTMLogFilter> filter_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace vornix

@@ -65,7 +65,7 @@ def content_name(entry, headers, checks):
 # The commands are another compiler's. Reserved names are the compiler's to find: the check of that
 # name takes a seventh of the time. The analyzer looks into what a unit includes only when told to, and
 # its last nine tenths of paths through the longest functions take more than half of its time.
-EXTRA = ["-Wno-unknown-warning-option", "-Wreserved-identifier",
+EXTRA = ["-Wno-unknown-warning-option", "-Wreserved-identifier", "-Wthread-safety",
          "-Xclang", "-analyzer-opt-analyze-headers",
          "-Xclang", "-analyzer-config", "-Xclang", "max-nodes=20000"]
 

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <limits>
-#include <mutex>
 #include <random>
 #include <utility>
 
 #include "logging/GTMLogger.h"
 #include "platform/base/Format.h"
+#include "platform/base/Mutex.h"
 #include "settings/ABTestCode.h"
 #include "settings/PreferenceKey.h"
 
@@ -23,9 +23,9 @@ std::uint32_t systemRandom(std::uint32_t bound) {
 
 struct SharedTester {
   // Recursive, so that a tester that asks while it is being made gets an answer.
-  std::recursive_mutex mutex;
-  bool making = false;
-  std::shared_ptr<VXABTester> tester;
+  RecursiveMutex mutex;
+  bool making VORNIX_GUARDED_BY(mutex) = false;
+  std::shared_ptr<VXABTester> tester VORNIX_GUARDED_BY(mutex);
 };
 
 }  // namespace
@@ -48,7 +48,7 @@ VXABTester::VXABTester()
 std::shared_ptr<VXABTester> VXABTester::sharedTester(
     const std::function<std::shared_ptr<VXABTester>()>& make) {
   static auto& shared = *new SharedTester;
-  const std::lock_guard lock(shared.mutex);
+  const Lock lock(shared.mutex);
   if (!shared.tester && !std::exchange(shared.making, true)) {
     shared.tester = make();
     shared.making = false;

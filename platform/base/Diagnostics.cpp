@@ -2,8 +2,9 @@
 
 #include <cstdio>
 #include <memory>
-#include <mutex>
 #include <utility>
+
+#include "platform/base/Mutex.h"
 
 namespace vornix {
 namespace {
@@ -11,8 +12,8 @@ namespace {
 using Receiver = std::function<void(std::string_view)>;
 
 struct Registration {
-  std::mutex mutex;
-  std::shared_ptr<const Receiver> receiver;
+  Mutex mutex;
+  std::shared_ptr<const Receiver> receiver VORNIX_GUARDED_BY(mutex);
 };
 
 // Never destroyed: threads may report until the process ends.
@@ -26,7 +27,7 @@ Registration& registration() {
 void reportDiagnostic(std::string_view line) {
   std::shared_ptr<const Receiver> receiver;
   {
-    const std::lock_guard lock(registration().mutex);
+    const Lock lock(registration().mutex);
     receiver = registration().receiver;
   }
   if (receiver) {
@@ -39,7 +40,7 @@ void reportDiagnostic(std::string_view line) {
 
 void setDiagnosticReceiver(Receiver receiver) {
   auto replacement = receiver ? std::make_shared<const Receiver>(std::move(receiver)) : nullptr;
-  const std::lock_guard lock(registration().mutex);
+  const Lock lock(registration().mutex);
   registration().receiver = std::move(replacement);
 }
 

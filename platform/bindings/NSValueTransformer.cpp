@@ -1,12 +1,12 @@
 #include "platform/bindings/NSValueTransformer.h"
 
 #include <map>
-#include <mutex>
 #include <string>
 #include <utility>
 
 #include "platform/base/Diagnostics.h"
 #include "platform/base/Format.h"
+#include "platform/base/Mutex.h"
 
 namespace vornix {
 namespace {
@@ -20,19 +20,20 @@ class Registry {
 
   void set(std::shared_ptr<NSValueTransformer> transformer, std::string_view name) {
     // The one replaced is released without the lock.
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     std::swap(transformers_[std::string(name)], transformer);
   }
 
   [[nodiscard]] std::shared_ptr<NSValueTransformer> find(std::string_view name) const {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const auto found = transformers_.find(name);
     return found == transformers_.end() ? nullptr : found->second;
   }
 
  private:
-  mutable std::mutex mutex_;
-  std::map<std::string, std::shared_ptr<NSValueTransformer>, std::less<>> transformers_;
+  mutable Mutex mutex_;
+  std::map<std::string, std::shared_ptr<NSValueTransformer>, std::less<>> transformers_
+      VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace

@@ -36,13 +36,13 @@ NSUserDefaults::NSUserDefaults(std::string domain, PreferencesStore& store,
 std::optional<Value> NSUserDefaults::objectForKey(std::string_view key) const {
   std::shared_ptr<const std::vector<std::string>> domains;
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (auto value = found(arguments_, key)) return value;
     if (auto value = found(unsaved_, key)) return value;
     domains = searchedDomains_;
   }
   if (auto value = searchPreferences(store_, key, *domains)) return value;
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return found(registered_, key);
 }
 
@@ -83,7 +83,7 @@ void NSUserDefaults::setOwn(std::string_view key, const std::optional<Value>& va
     }
     return;
   }
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   if (value) {
     unsaved_.set(key, *value);
   } else {
@@ -93,18 +93,18 @@ void NSUserDefaults::setOwn(std::string_view key, const std::optional<Value>& va
 
 std::optional<Value> NSUserDefaults::ownObjectForKey(std::string_view key) const {
   if (!domain_.empty()) return store_.copyValue(key, domain_, PreferencesUser::Current);
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return found(unsaved_, key);
 }
 
 void NSUserDefaults::registerDefaults(const Dictionary& defaults) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   for (const auto& [key, value] : defaults) registered_.set(key, value);
 }
 
 void NSUserDefaults::addSuiteNamed(std::string_view suite) {
   if (suite.empty() || suite == domain_) return;
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   auto domains = std::make_shared<std::vector<std::string>>(*searchedDomains_);
   std::erase(*domains, suite);
   domains->emplace(domains->begin() + 1, suite);
@@ -121,7 +121,7 @@ void NSUserDefaults::setArguments(const std::vector<std::string>& arguments) {
     parsed.set(key.substr(1), value ? std::move(*value) : Value(text));
     ++index;
   }
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   arguments_ = std::move(parsed);
 }
 

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/base/NSObject.h"
 #include "platform/preferences/PreferencesStore.h"
 #include "platform/runloop/NSNotificationCenter.h"
@@ -61,13 +61,13 @@ class NSUserDefaults : public NSObject {
   std::string domain_;
   PreferencesStore& store_;
   NSNotificationCenter& center_;
-  mutable std::mutex mutex_;
+  mutable Mutex mutex_;
   // The own domain, then the suites. Replaced as a whole: the lock is not held during a search.
-  std::shared_ptr<const std::vector<std::string>> searchedDomains_;
-  Dictionary registered_;
-  Dictionary arguments_;
+  std::shared_ptr<const std::vector<std::string>> searchedDomains_ VORNIX_GUARDED_BY(mutex_);
+  Dictionary registered_ VORNIX_GUARDED_BY(mutex_);
+  Dictionary arguments_ VORNIX_GUARDED_BY(mutex_);
   // The own domain of a program without an identifier.
-  Dictionary unsaved_;
+  Dictionary unsaved_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace vornix

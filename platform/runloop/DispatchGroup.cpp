@@ -18,23 +18,24 @@ system_clock::time_point timePoint(Date date) {
 }  // namespace
 
 void DispatchGroup::enter() {
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
   ++state_->entered;
 }
 
 void DispatchGroup::leave() {
   const auto state = state_;
   {
-    const std::lock_guard lock(state->mutex);
+    const Lock lock(state->mutex);
     if (state->entered == 0 || --state->entered > 0) return;
   }
   // Without the mutex, so that nobody wakes up only to wait for it.
-  state->changed.notify_all();
+  state->changed.notifyAll();
 }
 
 void DispatchGroup::wait() {
-  std::unique_lock lock(state_->mutex);
-  state_->changed.wait(lock, [this] { return state_->entered == 0; });
+  State& state = *state_;
+  const Lock lock(state.mutex);
+  while (state.entered > 0) state.changed.wait(state.mutex);
 }
 
 bool DispatchGroup::waitUntil(Date deadline) {
@@ -42,8 +43,12 @@ bool DispatchGroup::waitUntil(Date deadline) {
 }
 
 bool DispatchGroup::waitUntil(system_clock::time_point deadline) {
-  std::unique_lock lock(state_->mutex);
-  return state_->changed.wait_until(lock, deadline, [this] { return state_->entered == 0; });
+  State& state = *state_;
+  const Lock lock(state.mutex);
+  while (state.entered > 0) {
+    if (!state.changed.waitUntil(state.mutex, deadline)) break;
+  }
+  return state.entered == 0;
 }
 
 }  // namespace vornix

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "platform/base/Date.h"
+#include "platform/base/Mutex.h"
 
 namespace vornix {
 
@@ -23,9 +22,9 @@ class DispatchGroup {
 
  private:
   struct State {
-    std::mutex mutex;
-    std::condition_variable changed;
-    int entered = 0;
+    Mutex mutex;
+    Condition changed;
+    int entered VORNIX_GUARDED_BY(mutex) = 0;
   };
 
   // Whoever leaves last holds it as well: a freed waiter may end the group at once.

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
 #include <utility>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/runloop/GuardedCall.h"
 
 namespace vornix {
@@ -27,13 +27,13 @@ struct Observer {
 class NSNotificationCenter::State {
  public:
   void add(std::shared_ptr<Observer> observer) {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     observers_.push_back(std::move(observer));
   }
 
   // Answers the observer so that it is released without the lock.
   std::shared_ptr<Observer> remove(const void* token) {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const auto found = std::find_if(observers_.begin(), observers_.end(),
                                     [&](const auto& observer) { return observer.get() == token; });
     if (found == observers_.end()) return nullptr;
@@ -44,14 +44,14 @@ class NSNotificationCenter::State {
   }
 
   [[nodiscard]] bool hasObserver(std::string_view name) const {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return std::ranges::any_of(observers_,
                                [&](const auto& observer) { return observer->name == name; });
   }
 
   [[nodiscard]] std::vector<std::shared_ptr<Observer>> observersOf(
       const NSNotification& notification) const {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     std::vector<std::shared_ptr<Observer>> result;
     for (const auto& observer : observers_) {
       if (observer->wants(notification)) result.push_back(observer);
@@ -60,8 +60,8 @@ class NSNotificationCenter::State {
   }
 
  private:
-  mutable std::mutex mutex_;
-  std::vector<std::shared_ptr<Observer>> observers_;
+  mutable Mutex mutex_;
+  std::vector<std::shared_ptr<Observer>> observers_ VORNIX_GUARDED_BY(mutex_);
 };
 
 NSNotificationCenter::NSNotificationCenter() : state_(std::make_unique<State>()) {}

@@ -1,10 +1,9 @@
 #include "platform/runloop/NSOperationQueue.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
-#include <mutex>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -12,6 +11,7 @@
 
 #include "platform/base/Diagnostics.h"
 #include "platform/base/Format.h"
+#include "platform/base/Mutex.h"
 #include "platform/runloop/GuardedCall.h"
 
 namespace vornix {
@@ -24,30 +24,30 @@ class NSOperationQueue::State : public std::enable_shared_from_this<State> {
   [[nodiscard]] int maxConcurrent() const { return maxConcurrent_; }
 
   void add(std::function<void()> block) {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     waiting_.push_back({++lastNumber_, std::move(block)});
     if (idleWorkers_ >= waiting_.size()) {
-      changed_.notify_all();
+      changed_.notifyAll();
     } else if (workers_.size() < static_cast<std::size_t>(maxConcurrent_)) {
       startWorker();
     }
   }
 
   void waitUntilFinished() {
-    std::unique_lock lock(mutex_);
+    const Lock lock(mutex_);
     const std::uint64_t last = lastNumber_;
-    changed_.wait(lock, [&] { return oldestUnfinished() > last; });
+    while (oldestUnfinished() <= last) changed_.wait(mutex_);
   }
 
   void end() {
     std::deque<Operation> dropped;
     std::vector<std::thread> workers;
     {
-      const std::lock_guard lock(mutex_);
+      const Lock lock(mutex_);
       isEnding_ = true;
       dropped.swap(waiting_);
       workers.swap(workers_);
-      changed_.notify_all();
+      changed_.notifyAll();
     }
     dropped.clear();
     for (auto& worker : workers) {
@@ -65,9 +65,8 @@ class NSOperationQueue::State : public std::enable_shared_from_this<State> {
     std::function<void()> block;
   };
 
-  // Called with the lock held. A worker that cannot be started leaves the work to those there are,
-  // or to the next attempt.
-  void startWorker() {
+  // A worker that cannot be started leaves the work to those there are, or to the next attempt.
+  void startWorker() VORNIX_REQUIRES(mutex_) {
     try {
       workers_.emplace_back([state = shared_from_this()] { state->work(); });
     } catch (const std::system_error& error) {
@@ -77,39 +76,47 @@ class NSOperationQueue::State : public std::enable_shared_from_this<State> {
   }
 
   void work() {
-    std::unique_lock lock(mutex_);
-    while (true) {
-      ++idleWorkers_;
-      changed_.wait(lock, [this] { return isEnding_ || !waiting_.empty(); });
-      --idleWorkers_;
-      if (isEnding_) return;
-      Operation operation = std::move(waiting_.front());
-      waiting_.pop_front();
-      running_.push_back(operation.number);
-      lock.unlock();
-      callReportingExceptions(operation.block, "a block of an operation queue");
-      operation.block = nullptr;
-      lock.lock();
-      std::erase(running_, operation.number);
-      changed_.notify_all();
+    while (auto operation = nextOperation()) {
+      callReportingExceptions(operation->block, "a block of an operation queue");
+      operation->block = nullptr;
+      finish(operation->number);
     }
   }
 
-  [[nodiscard]] std::uint64_t oldestUnfinished() const {
+  // None when the queue ends.
+  std::optional<Operation> nextOperation() {
+    const Lock lock(mutex_);
+    ++idleWorkers_;
+    while (!isEnding_ && waiting_.empty()) changed_.wait(mutex_);
+    --idleWorkers_;
+    if (isEnding_) return std::nullopt;
+    Operation operation = std::move(waiting_.front());
+    waiting_.pop_front();
+    running_.push_back(operation.number);
+    return operation;
+  }
+
+  void finish(std::uint64_t number) {
+    const Lock lock(mutex_);
+    std::erase(running_, number);
+    changed_.notifyAll();
+  }
+
+  [[nodiscard]] std::uint64_t oldestUnfinished() const VORNIX_REQUIRES(mutex_) {
     std::uint64_t oldest = waiting_.empty() ? lastNumber_ + 1 : waiting_.front().number;
     for (const std::uint64_t number : running_) oldest = std::min(oldest, number);
     return oldest;
   }
 
   const int maxConcurrent_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<Operation> waiting_;
-  std::vector<std::uint64_t> running_;
-  std::vector<std::thread> workers_;
-  std::uint64_t lastNumber_ = 0;
-  std::size_t idleWorkers_ = 0;
-  bool isEnding_ = false;
+  Mutex mutex_;
+  Condition changed_;
+  std::deque<Operation> waiting_ VORNIX_GUARDED_BY(mutex_);
+  std::vector<std::uint64_t> running_ VORNIX_GUARDED_BY(mutex_);
+  std::vector<std::thread> workers_ VORNIX_GUARDED_BY(mutex_);
+  std::uint64_t lastNumber_ VORNIX_GUARDED_BY(mutex_) = 0;
+  std::size_t idleWorkers_ VORNIX_GUARDED_BY(mutex_) = 0;
+  bool isEnding_ VORNIX_GUARDED_BY(mutex_) = false;
 };
 
 NSOperationQueue::NSOperationQueue(int maxConcurrentOperationCount)

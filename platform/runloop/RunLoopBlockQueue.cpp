@@ -15,13 +15,13 @@ auto eligible(const RunningMode& mode, bool mayTakeMainQueue) {
 }  // namespace
 
 void RunLoopBlockQueue::push(Entry entry) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   entries_.push_back(std::move(entry));
 }
 
 std::optional<RunLoopBlockQueue::Entry> RunLoopBlockQueue::take(const RunningMode& mode,
                                                                 bool mayTakeMainQueue) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   const auto found =
       std::find_if(entries_.begin(), entries_.end(), eligible(mode, mayTakeMainQueue));
   if (found == entries_.end()) return std::nullopt;
@@ -31,7 +31,7 @@ std::optional<RunLoopBlockQueue::Entry> RunLoopBlockQueue::take(const RunningMod
 }
 
 bool RunLoopBlockQueue::hasBlock(const RunningMode& mode, bool mayTakeMainQueue) const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return std::any_of(entries_.begin(), entries_.end(), eligible(mode, mayTakeMainQueue));
 }
 

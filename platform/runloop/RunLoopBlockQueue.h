@@ -1,9 +1,9 @@
 #pragma once
 
 #include <list>
-#include <mutex>
 #include <optional>
 
+#include "platform/base/Mutex.h"
 #include "platform/runloop/RunLoopModeSet.h"
 
 namespace vornix {
@@ -24,9 +24,9 @@ class RunLoopBlockQueue {
   [[nodiscard]] bool hasBlock(const RunningMode& mode, bool mayTakeMainQueue) const;
 
  private:
-  mutable std::mutex mutex_;
+  mutable Mutex mutex_;
   // Allocates nothing while it is empty, which a short run leaves it.
-  std::list<Entry> entries_;
+  std::list<Entry> entries_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace vornix

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <map>
-#include <mutex>
 #include <utility>
 
 #include "platform/base/Diagnostics.h"
+#include "platform/base/Mutex.h"
 #include "platform/base/PathText.h"
 #include "platform/base/Text.h"
 #include "platform/system/NSProcessInfo.h"
@@ -59,7 +59,7 @@ class NSBundle::Contents {
   [[nodiscard]] const std::string& path() const { return path_; }
 
   std::optional<Value> info(std::string_view key) {
-    const std::lock_guard lock(infoMutex_);
+    const Lock lock(infoMutex_);
     if (!info_) {
       // What is wrong with the file is told to the log, which asks for the identifier in turn.
       info_.emplace();
@@ -70,7 +70,7 @@ class NSBundle::Contents {
   }
 
   std::optional<std::string> localized(std::string_view key, std::string_view table) {
-    const std::lock_guard lock(textsMutex_);
+    const Lock lock(textsMutex_);
     const auto known = tables_.find(table);
     const Dictionary& texts =
         known != tables_.end()
@@ -94,7 +94,7 @@ class NSBundle::Contents {
 
  private:
   // The language's own table, else the one without a language, else the base's.
-  Dictionary readTable(std::string_view table) {
+  Dictionary readTable(std::string_view table) VORNIX_REQUIRES(textsMutex_) {
     const std::string file = std::string(table) + ".strings";
     for (const std::string& folder : {languageFolder(), std::string(), std::string("Base.lproj")}) {
       const std::string path =
@@ -107,7 +107,7 @@ class NSBundle::Contents {
     return {};
   }
 
-  const std::string& languageFolder() {
+  const std::string& languageFolder() VORNIX_REQUIRES(textsMutex_) {
     if (!languageFolder_) {
       const std::string language = chooseLanguage(offeredLanguages());
       languageFolder_ = language.empty() ? language : language + std::string(kLanguageFolderSuffix);
@@ -140,11 +140,11 @@ class NSBundle::Contents {
   const std::string path_;
   const Languages preferredLanguages_;
   // Taken after `textsMutex_`: the user's languages ask for the main bundle's identifier.
-  std::recursive_mutex infoMutex_;
-  std::optional<Dictionary> info_;
-  std::mutex textsMutex_;
-  std::optional<std::string> languageFolder_;
-  std::map<std::string, Dictionary, std::less<>> tables_;
+  RecursiveMutex infoMutex_;
+  std::optional<Dictionary> info_ VORNIX_GUARDED_BY(infoMutex_);
+  Mutex textsMutex_;
+  std::optional<std::string> languageFolder_ VORNIX_GUARDED_BY(textsMutex_);
+  std::map<std::string, Dictionary, std::less<>> tables_ VORNIX_GUARDED_BY(textsMutex_);
   const ResourceFiles& files_;
 };
 

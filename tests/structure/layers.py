@@ -50,6 +50,9 @@ CONDITION = re.compile(r"^\s*#\s*(?:if|ifdef|ifndef|elif|elifdef|elifndef)\b(.*)
 SYSTEM_MACRO = re.compile(r"__linux|\blinux\b|__gnu_linux__|__unix|\bunix\b|__APPLE__|__MACH__|TARGET_OS_"
                           r"|_WIN(?:32|64)|__CYGWIN__|__MINGW|__FreeBSD__|__NetBSD__|__OpenBSD__"
                           r"|__DragonFly__|__sun\b|__ANDROID__|__GLIBC__|_POSIX_|__has_include")
+STANDARD_LOCK = re.compile(r"\bstd::(?:(?:\w+_)?mutex|lock_guard|unique_lock|shared_lock|scoped_lock"
+                           r"|condition_variable\w*)\b")
+CHECKED_LOCKS = "platform/base/Mutex.h"
 CALL = re.compile(r"\b(vornix_library|target_link_libraries|add_executable)\s*\(\s*([\w:]+)([^)]*)\)",
                   re.DOTALL)
 
@@ -104,6 +107,9 @@ def source_complaints(path, text):
         hidden = layer_of(path) not in (None, REAL_PLATFORM)
         if hidden and condition and SYSTEM_MACRO.search(condition.group(1)):
             yield f"{path}:{number}: a condition on the operating system outside {REAL_PLATFORM}"
+        unchecked = layer_of(path) is not None and path != CHECKED_LOCKS
+        if unchecked and STANDARD_LOCK.search(line):
+            yield f"{path}:{number}: a lock that no compiler checks; {CHECKED_LOCKS} has those it does"
 
 
 def link_complaints(path, text):

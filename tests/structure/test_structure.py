@@ -81,6 +81,14 @@ class Check(unittest.TestCase):
             with self.subTest(line=line):
                 self.assert_caught({"settings/A.cpp": line + "\n"}, "operating system")
 
+    def test_catches_locks_that_no_compiler_checks(self):
+        for lock in ("std::mutex mutex_;", "std::recursive_mutex m;", "const std::lock_guard l(m);",
+                     "std::unique_lock<std::mutex> l(m);", "std::condition_variable_any changed;"):
+            with self.subTest(lock=lock):
+                self.assert_caught({"agent/A.cpp": lock + "\n"}, "agent/A.cpp:1: a lock that no")
+                self.assertEqual(self.complaints_of({"platform/base/Mutex.h": lock + "\n",
+                                                     "tests/unit/T.cpp": lock + "\n"}), [])
+
     def test_catches_wrong_arrows_between_libraries(self):
         self.assert_caught(
             {"logging/CMakeLists.txt": "vornix_library(vornix_logging DEPENDS vornix_settings)\n"},

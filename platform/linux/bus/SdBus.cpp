@@ -1,8 +1,8 @@
 #include "platform/linux/bus/SdBus.h"
 
-#include <mutex>
 #include <optional>
 
+#include "platform/base/Mutex.h"
 #include "platform/linux/system/SharedLibrary.h"
 
 namespace vornix {
@@ -32,8 +32,8 @@ std::optional<SdBus>& loaded() {
 }  // namespace
 
 const SdBus* loadSdBus(std::string* why) {
-  static std::mutex mutex;
-  const std::lock_guard lock(mutex);
+  static Mutex mutex;
+  const Lock lock(mutex);
   if (!loaded()) {
     loaded() = load(why);
   }

@@ -84,7 +84,7 @@ std::string LinuxStandardDirectories::baseDirectory(std::string_view variable,
 std::string LinuxStandardDirectories::library() const {
   const std::string home = homeDirectory();
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (preparedHome_ != home) makeHomeSkeleton(home);
     preparedHome_ = home;
   }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/files/StandardDirectories.h"
 #include "platform/system/NSProcessInfo.h"
 
@@ -31,9 +31,9 @@ class LinuxStandardDirectories final : public StandardDirectories {
   [[nodiscard]] std::string downloads() const;
 
   const NSProcessInfo& process_;
-  mutable std::mutex mutex_;
+  mutable Mutex mutex_;
   // The home that is known to have its library.
-  mutable std::string preparedHome_;
+  mutable std::string preparedHome_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace vornix

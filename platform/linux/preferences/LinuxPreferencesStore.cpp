@@ -36,7 +36,7 @@ LinuxPreferencesStore::LinuxPreferencesStore(std::string home, std::string anyUs
 
 PreferencesFile* LinuxPreferencesStore::file(std::string_view domain, PreferencesUser user) {
   if (!isFileName(domain) || (user == PreferencesUser::Current && home_.empty())) return nullptr;
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   Files& files = user == PreferencesUser::Current ? currentUser_ : anyUser_;
   const auto known = files.find(domain);
   if (known != files.end()) return &known->second;
@@ -70,7 +70,7 @@ bool LinuxPreferencesStore::synchronize(std::string_view domain) {
 bool LinuxPreferencesStore::synchronizeAll() {
   std::vector<PreferencesFile*> files;
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     files.reserve(currentUser_.size());
     for (auto& [domain, preferences] : currentUser_) files.push_back(&preferences);
   }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <map>
-#include <mutex>
 #include <string>
 
+#include "platform/base/Mutex.h"
 #include "platform/linux/preferences/PreferencesFile.h"
 #include "platform/preferences/PreferencesStore.h"
 
@@ -35,9 +35,9 @@ class LinuxPreferencesStore final : public PreferencesStore {
   const std::string currentUserFolder_;
   const std::string anyUserFolder_;
   const PreferencesLimits limits_;
-  std::mutex mutex_;
-  Files currentUser_;
-  Files anyUser_;
+  Mutex mutex_;
+  Files currentUser_ VORNIX_GUARDED_BY(mutex_);
+  Files anyUser_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace vornix

@@ -5,10 +5,10 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <mutex>
 #include <utility>
 
 #include "platform/base/Diagnostics.h"
+#include "platform/base/Mutex.h"
 #include "platform/linux/preferences/BinaryPropertyList.h"
 #include "platform/linux/preferences/FileReplacement.h"
 #include "platform/linux/preferences/PreferencesLock.h"
@@ -25,20 +25,21 @@ bool mayPass(int error) {
 
 // Holds the lock. Who is told of trouble may read these very preferences (the log does), so the
 // lock is let go first.
-class PreferencesFile::Access {
+class VORNIX_SCOPED_LOCK PreferencesFile::Access {
  public:
-  explicit Access(PreferencesFile& file) : file_(file), lock_(file.mutex_) {}
+  explicit Access(PreferencesFile& file) VORNIX_ACQUIRE(file.mutex_) : file_(file) {
+    file.mutex_.lock();
+  }
   Access(const Access&) = delete;
   Access& operator=(const Access&) = delete;
-  ~Access() {
+  ~Access() VORNIX_RELEASE() {
     const std::vector<std::string> lines = std::exchange(file_.lines_, {});
-    lock_.unlock();
+    file_.mutex_.unlock();
     for (const std::string& line : lines) reportDiagnostic(line);
   }
 
  private:
   PreferencesFile& file_;
-  std::unique_lock<std::mutex> lock_;
 };
 
 std::optional<Value> PreferencesFile::value(std::string_view key) {

@@ -3,12 +3,12 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/base/Mutex.h"
 #include "platform/base/NSError.h"
 #include "platform/base/Value.h"
 #include "platform/linux/preferences/FileBytes.h"
@@ -43,31 +43,32 @@ class PreferencesFile {
   enum class State { Unknown, Missing, Read, Unreadable, Unavailable };
 
   // Looks for changes of other programs; what was read stays when there are none.
-  void refresh();
-  void setRoot(PropertyListNode root, std::string bytes = {});
-  [[nodiscard]] std::optional<Value> valueOfRoot(const std::string& key) const;
-  void take(FileBytes file);
-  void reportTrouble(int error);
-  std::optional<NSError> storePending();
-  std::optional<NSError> replace(const std::string& target);
-  bool applyPending(void* root);
+  void refresh() VORNIX_REQUIRES(mutex_);
+  void setRoot(PropertyListNode root, std::string bytes = {}) VORNIX_REQUIRES(mutex_);
+  [[nodiscard]] std::optional<Value> valueOfRoot(const std::string& key) const
+      VORNIX_REQUIRES(mutex_);
+  void take(FileBytes file) VORNIX_REQUIRES(mutex_);
+  void reportTrouble(int error) VORNIX_REQUIRES(mutex_);
+  std::optional<NSError> storePending() VORNIX_REQUIRES(mutex_);
+  std::optional<NSError> replace(const std::string& target) VORNIX_REQUIRES(mutex_);
+  bool applyPending(void* root) VORNIX_REQUIRES(mutex_);
   [[nodiscard]] NSError failure(int error) const;
 
   const std::string path_;
   const PreferencesLimits limits_;
-  std::mutex mutex_;
-  State state_ = State::Unknown;
-  int error_ = 0;
-  FileStamp stamp_;
-  PropertyListNode root_;
+  Mutex mutex_;
+  State state_ VORNIX_GUARDED_BY(mutex_) = State::Unknown;
+  int error_ VORNIX_GUARDED_BY(mutex_) = 0;
+  FileStamp stamp_ VORNIX_GUARDED_BY(mutex_);
+  PropertyListNode root_ VORNIX_GUARDED_BY(mutex_);
   // What `root_` was read from; empty once it was changed.
-  std::string bytes_;
+  std::string bytes_ VORNIX_GUARDED_BY(mutex_);
   // What was asked of `root_` so far.
-  std::map<std::string, std::optional<Value>, std::less<>> known_;
-  std::map<std::string, std::optional<Value>, std::less<>> pending_;
-  bool unflushed_ = false;
+  std::map<std::string, std::optional<Value>, std::less<>> known_ VORNIX_GUARDED_BY(mutex_);
+  std::map<std::string, std::optional<Value>, std::less<>> pending_ VORNIX_GUARDED_BY(mutex_);
+  bool unflushed_ VORNIX_GUARDED_BY(mutex_) = false;
   // What is to be reported when the lock is let go.
-  std::vector<std::string> lines_;
+  std::vector<std::string> lines_ VORNIX_GUARDED_BY(mutex_);
 };
 
 }  // namespace vornix

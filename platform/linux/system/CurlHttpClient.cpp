@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <exception>
 #include <initializer_list>
-#include <mutex>
 #include <string_view>
 #include <utility>
 
 #include "platform/base/Diagnostics.h"
+#include "platform/base/Mutex.h"
 #include "platform/base/Text.h"
 #include "platform/linux/system/CurlLibrary.h"
 #include "platform/system/NSURLError.h"
@@ -151,21 +151,22 @@ class CurlHttpClient final : public HttpClient {
   [[nodiscard]] HttpResponse send(const HttpRequest& request) override;
 
  private:
-  [[nodiscard]] bool prepare();
-  [[nodiscard]] HttpResponse exchange(const HttpRequest& request);
-  [[nodiscard]] CURLcode configure(const HttpRequest& request, const HeaderList& headers);
-  [[nodiscard]] CURLcode configureTrust();
+  [[nodiscard]] bool prepare() VORNIX_REQUIRES(mutex_);
+  [[nodiscard]] HttpResponse exchange(const HttpRequest& request) VORNIX_REQUIRES(mutex_);
+  [[nodiscard]] CURLcode configure(const HttpRequest& request, const HeaderList& headers)
+      VORNIX_REQUIRES(mutex_);
+  [[nodiscard]] CURLcode configureTrust() VORNIX_REQUIRES(mutex_);
   template <typename... Values>
-  [[nodiscard]] CURLcode set(CURLoption option, Values... values) {
+  [[nodiscard]] CURLcode set(CURLoption option, Values... values) VORNIX_REQUIRES(mutex_) {
     return curl_->setOption(handle_, option, values...);
   }
 
   const std::string soname_;
   const std::string authorityFile_;
-  std::mutex mutex_;
-  std::optional<CurlLibrary> curl_;
-  CURL* handle_ = nullptr;
-  std::size_t received_ = 0;
+  Mutex mutex_;
+  std::optional<CurlLibrary> curl_ VORNIX_GUARDED_BY(mutex_);
+  CURL* handle_ VORNIX_GUARDED_BY(mutex_) = nullptr;
+  std::size_t received_ VORNIX_GUARDED_BY(mutex_) = 0;
 };
 
 HttpResponse CurlHttpClient::send(const HttpRequest& request) {
@@ -176,7 +177,7 @@ HttpResponse CurlHttpClient::send(const HttpRequest& request) {
     return failed(NSURLErrorUnsupportedURL, "unsupported URL");
   }
   try {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return prepare() ? exchange(request) : failed(NSURLErrorUnknown, "no HTTPS client");
   } catch (const std::exception& exception) {
     return failed(NSURLErrorUnknown, exception.what());

@@ -1,4 +1,5 @@
 #include "platform/system/NSFileHandle.h"
+#include "platform/base/Mutex.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -6,7 +7,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <mutex>
 #include <string>
 #include <utility>
 
@@ -30,24 +30,24 @@ class LinuxFileHandle final : public NSFileHandle {
   }
 
   void writeData(std::string_view bytes) override {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const FileSignalsAsErrors guard;
     while (!bytes.empty()) bytes.remove_prefix(writeSome(bytes));
   }
 
   void truncateFileAtOffset(std::uint64_t offset) override {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     truncateAt(descriptor_, offset);
   }
 
   void closeFile() override {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (owned_ && descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
   }
 
  private:
   // The number of bytes that went out; 0 asks for another try.
-  [[nodiscard]] std::size_t writeSome(std::string_view bytes) const {
+  [[nodiscard]] std::size_t writeSome(std::string_view bytes) const VORNIX_REQUIRES(mutex_) {
     const auto written = ::write(descriptor_, bytes.data(), bytes.size());
     if (written > 0) return static_cast<std::size_t>(written);
     // A device that takes nothing and says nothing would be asked for ever.
@@ -60,8 +60,8 @@ class LinuxFileHandle final : public NSFileHandle {
     return 0;
   }
 
-  std::mutex mutex_;
-  int descriptor_;
+  Mutex mutex_;
+  int descriptor_ VORNIX_GUARDED_BY(mutex_);
   const bool owned_;
 };
 

@@ -1,7 +1,8 @@
 #include "platform/linux/system/ProcessZone.h"
 
 #include <cstdlib>
-#include <mutex>
+
+#include "platform/base/Mutex.h"
 
 namespace vornix {
 namespace {
@@ -38,12 +39,12 @@ class ZoneInForce {
   }
 
  private:
-  static std::mutex& mutex() {
-    static auto& shared = *new std::mutex;
+  static Mutex& mutex() {
+    static auto& shared = *new Mutex;
     return shared;
   }
 
-  std::unique_lock<std::mutex> lock_;
+  const Lock<Mutex> lock_;
   std::optional<std::optional<std::string>> replaced_;
 };
 

@@ -3,10 +3,10 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <mutex>
 #include <string>
 #include <utility>
 
+#include "platform/base/Mutex.h"
 #include "platform/linux/system/FileDescriptor.h"
 #include "platform/linux/system/FileHandleFailure.h"
 #include "platform/linux/system/FileSignals.h"
@@ -21,7 +21,7 @@ class UpdatingFileHandle final : public NSFileHandle {
 
   void writeData(std::string_view bytes) override {
     constexpr int kAttempts = 3;
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const FileSignalsAsErrors guard;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
       if (writeAtOnce(bytes)) return;
@@ -30,25 +30,25 @@ class UpdatingFileHandle final : public NSFileHandle {
   }
 
   void truncateFileAtOffset(std::uint64_t offset) override {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     truncateAt(file_.get(), offset);
     endsWithinLine_ = false;
   }
 
   void closeFile() override {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const FileDescriptor closed = std::move(file_);
   }
 
  private:
   // The system appends each write in one piece. The rest of one that was cut short could come
   // behind another program's bytes, so the whole is written again, on a line of its own.
-  [[nodiscard]] bool writeAtOnce(std::string_view bytes) {
+  [[nodiscard]] bool writeAtOnce(std::string_view bytes) VORNIX_REQUIRES(mutex_) {
     if (!endsWithinLine_) return writeOnce(bytes);
     return writeOnce("\n" + std::string(bytes));
   }
 
-  [[nodiscard]] bool writeOnce(std::string_view bytes) {
+  [[nodiscard]] bool writeOnce(std::string_view bytes) VORNIX_REQUIRES(mutex_) {
     const ssize_t result = writeUninterrupted(bytes);
     if (result < 0) throwFailure("write", errno);
     const auto written = static_cast<std::size_t>(result);
@@ -61,7 +61,7 @@ class UpdatingFileHandle final : public NSFileHandle {
     return whole;
   }
 
-  [[nodiscard]] ssize_t writeUninterrupted(std::string_view bytes) const {
+  [[nodiscard]] ssize_t writeUninterrupted(std::string_view bytes) const VORNIX_REQUIRES(mutex_) {
     ssize_t result = -1;
     do {
       result = ::write(file_.get(), bytes.data(), bytes.size());
@@ -69,10 +69,10 @@ class UpdatingFileHandle final : public NSFileHandle {
     return result;
   }
 
-  std::mutex mutex_;
-  FileDescriptor file_;
+  Mutex mutex_;
+  FileDescriptor file_ VORNIX_GUARDED_BY(mutex_);
   // Whether the file ends with what is left of a write of ours.
-  bool endsWithinLine_ = false;
+  bool endsWithinLine_ VORNIX_GUARDED_BY(mutex_) = false;
 };
 
 // Opening a device may already do something, so the kind is asked for beforehand.

@@ -1,7 +1,7 @@
 #include "platform/text/NSRegularExpression.h"
+#include "platform/base/Mutex.h"
 
 #include <limits>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -127,7 +127,7 @@ class IcuRegularExpression final : public NSRegularExpression {
 
   // A matcher belongs to one search at a time; those of earlier searches are used again.
   [[nodiscard]] Expression takeMatcher() const {
-    const std::scoped_lock lock(mutex_);
+    const Lock lock(mutex_);
     if (!idle_.empty()) {
       Expression matcher = std::move(idle_.back());
       idle_.pop_back();
@@ -144,14 +144,14 @@ class IcuRegularExpression final : public NSRegularExpression {
   void giveBack(Expression matcher) const {
     UErrorCode error = U_ZERO_ERROR;
     icu_.setText(matcher.get(), u"", 0, &error);
-    const std::scoped_lock lock(mutex_);
+    const Lock lock(mutex_);
     idle_.push_back(std::move(matcher));
   }
 
   const IcuExpressions& icu_;
   Expression master_;
-  mutable std::mutex mutex_;
-  mutable std::vector<Expression> idle_;
+  mutable Mutex mutex_;
+  mutable std::vector<Expression> idle_ VORNIX_GUARDED_BY(mutex_);
 };
 
 Expression compiled(const IcuExpressions& icu, std::string_view pattern,
