@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/base/Format.h"
+#include "platform/base/Text.h"
 
 namespace vornix {
 namespace {
@@ -11,8 +12,7 @@ using Complain = std::function<void(std::string_view)>;
 
 bool mayStandInHost(char character) {
   constexpr std::string_view punctuation = ".-:[]_";
-  return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
-         (character >= 'A' && character <= 'Z') || punctuation.find(character) != punctuation.npos;
+  return text::isAsciiLetterOrDigit(character) || punctuation.find(character) != punctuation.npos;
 }
 
 bool isHost(std::string_view text) {

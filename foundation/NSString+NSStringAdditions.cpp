@@ -51,7 +51,7 @@ bool isDropped(char c) {
 
 std::string_view withoutLeadingAsciiDigits(std::string_view text) {
   std::size_t digits = 0;
-  while (digits < text.size() && text[digits] >= '0' && text[digits] <= '9') ++digits;
+  while (digits < text.size() && text::isAsciiDigit(text[digits])) ++digits;
   return text.substr(digits);
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "platform/base/Text.h"
 #include "platform/base/Utf8.h"
 #include "platform/text/CaseMapping.h"
 
@@ -25,7 +26,7 @@ class NumberFinder {
   bool followsAt(std::size_t offset) {
     if (spacesEnd_ < offset) spacesEnd_ = offset;
     while (spacesEnd_ < text_.size() && text_[spacesEnd_] == ' ') ++spacesEnd_;
-    return spacesEnd_ < text_.size() && text_[spacesEnd_] >= '0' && text_[spacesEnd_] <= '9';
+    return spacesEnd_ < text_.size() && text::isAsciiDigit(text_[spacesEnd_]);
   }
 
  private:

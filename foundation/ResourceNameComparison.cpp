@@ -25,10 +25,6 @@ bool takesFewSteps(std::string_view one, std::string_view other) {
   return one.empty() || other.size() <= kFewSteps / one.size();
 }
 
-bool isAsciiLetter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 // The words of a text, one after the other.
 class Words {
  public:
@@ -121,7 +117,7 @@ bool holdsNumberedAsciiCopy(std::string_view other, std::string_view name) {
   bool isNumber = false;
   for (std::size_t end = other.size(); end-- > name.size();) {
     const char c = other[end];
-    isNumber = (c >= '0' && c <= '9') || (c == ' ' && isNumber);
+    isNumber = text::isAsciiDigit(c) || (c == ' ' && isNumber);
     if (!isNumber) continue;
     const auto candidate = other.substr(end - name.size(), name.size());
     if (text::asciiEqualIgnoringCase(candidate, name)) return true;
@@ -143,7 +139,8 @@ bool holdsEveryWordGenerally(std::string_view other, std::string_view name,
 bool holdsEveryWord(std::string_view other, std::string_view name, std::string_view separator) {
   // A separator with letters would be looked for in texts that have changed their case.
   const bool isShort = takesFewSteps(name, other) && text::isAscii(name) && text::isAscii(other) &&
-                       text::isAscii(separator) && std::ranges::none_of(separator, isAsciiLetter);
+                       text::isAscii(separator) &&
+                       std::ranges::none_of(separator, text::isAsciiLetter);
   return isShort ? holdsEveryAsciiWord(other, name, separator)
                  : holdsEveryWordGenerally(other, name, separator);
 }

@@ -13,10 +13,6 @@ namespace {
 
 constexpr std::int64_t kNoNumber = std::numeric_limits<std::int64_t>::max();
 
-bool isAsciiDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 // Both scans pass over leading white space, and consume nothing when they find nothing.
 class CodeScanner {
  public:
@@ -30,7 +26,7 @@ class CodeScanner {
     const bool hasSign = number.starts_with('-') || number.starts_with('+');
     std::size_t end = hasSign ? 1 : 0;
     const std::size_t firstDigit = end;
-    while (end < number.size() && isAsciiDigit(number[end])) ++end;
+    while (end < number.size() && text::isAsciiDigit(number[end])) ++end;
     if (end == firstDigit) return std::nullopt;
     rest_ = number.substr(end);
     return text::integerValue(number.substr(0, end));

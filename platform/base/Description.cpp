@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "platform/base/Text.h"
 #include "platform/base/Utf8.h"
 
 namespace vornix::text {
@@ -34,9 +35,7 @@ std::string describeData(const Data& data) {
 }
 
 bool standsBare(std::string_view text) {
-  return !text.empty() && std::ranges::all_of(text, [](char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-  });
+  return !text.empty() && std::ranges::all_of(text, text::isAsciiLetterOrDigit);
 }
 
 void appendEscapedUnit(std::string& result, char16_t unit) {

@@ -11,9 +11,8 @@ constexpr std::string_view kLocalHost = "localhost";
 constexpr std::string_view kDigits = "0123456789ABCDEF";
 
 bool isPlain(char letter) {
-  const bool isLetter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
-  const bool isDigit = letter >= '0' && letter <= '9';
-  return isLetter || isDigit || std::string_view("-._~/").find(letter) != std::string_view::npos;
+  return isAsciiLetterOrDigit(letter) ||
+         std::string_view("-._~/").find(letter) != std::string_view::npos;
 }
 
 }  // namespace

@@ -23,16 +23,12 @@ unsigned lengthOf(std::uint32_t replacement) {
   return lastIsHighest ? replacement >> 24U : replacement & 0xFFU;
 }
 
-constexpr bool isLetterOrDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 constexpr Replacements replacementsKeeping(std::string_view punctuation) {
   constexpr std::string_view digits = "0123456789ABCDEF";
   Replacements replacements{};
   for (unsigned byte = 0; byte < replacements.size(); ++byte) {
     const auto c = static_cast<char>(byte);
-    if (isLetterOrDigit(c) || punctuation.find(c) != std::string_view::npos) {
+    if (isAsciiLetterOrDigit(c) || punctuation.find(c) != std::string_view::npos) {
       replacements[byte] = std::bit_cast<std::uint32_t>(Replacement{c, 0, 0, 1});
     } else {
       replacements[byte] = std::bit_cast<std::uint32_t>(

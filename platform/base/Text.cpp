@@ -10,10 +10,6 @@
 namespace vornix::text {
 namespace {
 
-bool isAsciiDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 // Where the last character of `text` starts.
 std::size_t lastCharacterStart(std::string_view text) {
   const std::size_t earliest = text.size() > 4 ? text.size() - 4 : 0;

@@ -22,6 +22,16 @@ inline constexpr std::string_view productName = "Vornix";
 // True when, after white space, a sign and zeros, the next character is one of "YyTt1-9".
 [[nodiscard]] bool boolValue(std::string_view text);
 
+[[nodiscard]] constexpr bool isAsciiDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+[[nodiscard]] constexpr bool isAsciiLetter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+[[nodiscard]] constexpr bool isAsciiLetterOrDigit(char c) {
+  return isAsciiLetter(c) || isAsciiDigit(c);
+}
+
 // ASCII letters only; other bytes stay.
 [[nodiscard]] std::string asciiLowercase(std::string_view text);
 [[nodiscard]] std::string asciiUppercase(std::string_view text);

@@ -14,12 +14,8 @@ namespace {
 
 constexpr std::string_view kBookmarkMark{"Vornix bookmark 1\0", 18};
 
-bool isLetterOrDigit(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 bool mayStandInUrl(char c) {
-  return isLetterOrDigit(c) ||
+  return text::isAsciiLetterOrDigit(c) ||
          std::string_view("-._~:/?#[]@!$&'()*+,;=%").find(c) != std::string_view::npos;
 }
 
@@ -33,7 +29,7 @@ std::string_view schemeOf(std::string_view url) {
   const std::string_view scheme = url.substr(0, std::min(url.find_first_of(":/?#"), url.size()));
   const bool hasColon = scheme.size() < url.size() && url[scheme.size()] == ':';
   const bool isScheme = hasColon && !scheme.empty() && std::ranges::all_of(scheme, [](char c) {
-                          return isLetterOrDigit(c) || c == '+' || c == '-' || c == '.';
+                          return text::isAsciiLetterOrDigit(c) || c == '+' || c == '-' || c == '.';
                         });
   return isScheme && (scheme.front() < '0' || scheme.front() > '9') ? scheme : std::string_view();
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/base/Diagnostics.h"
+#include "platform/base/Text.h"
 #include "platform/preferences/PreferencesSearch.h"
 #include "platform/system/TextPropertyList.h"
 
@@ -16,7 +17,7 @@ bool isArgumentKey(std::string_view argument) {
 
 // "-1" is a value, "-Key" the next key.
 bool isArgumentValue(std::string_view argument) {
-  return !isArgumentKey(argument) || (argument[1] >= '0' && argument[1] <= '9');
+  return !isArgumentKey(argument) || text::isAsciiDigit(argument[1]);
 }
 
 std::optional<Value> found(const Dictionary& values, std::string_view key) {

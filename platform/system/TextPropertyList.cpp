@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/base/Text.h"
 #include "platform/base/Utf8.h"
 
 namespace vornix {
@@ -15,14 +16,12 @@ bool isBlank(char character) {
 }
 
 bool isWordCharacter(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-         (byte >= 'a' && byte <= 'z') || byte >= 0x80 ||
+  return text::isAsciiLetterOrDigit(character) || static_cast<unsigned char>(character) >= 0x80 ||
          std::string_view("_-.$:/+@").find(character) != std::string_view::npos;
 }
 
 int digitValue(char character) {
-  if (character >= '0' && character <= '9') return character - '0';
+  if (text::isAsciiDigit(character)) return character - '0';
   if (character >= 'a' && character <= 'f') return character - 'a' + 10;
   if (character >= 'A' && character <= 'F') return character - 'A' + 10;
   return 16;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/base/Diagnostics.h"
+#include "platform/base/FileUrl.h"
 #include "platform/base/Text.h"
 #include "platform/base/Utf8.h"
 
@@ -12,34 +13,12 @@ namespace {
 constexpr const char* kPath = "/com/orvane/DistributedNotificationCenter";
 constexpr const char* kInterface = "com.orvane.DistributedNotificationCenter";
 
-bool standsForItselfInUrl(unsigned char byte) {
-  return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-         (byte >= 'a' && byte <= 'z') ||
-         std::string_view("/-._~").find(static_cast<char>(byte)) != std::string_view::npos;
-}
-
-std::string fileUrl(std::string_view path) {
-  static constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string url = "file://";
-  for (const char character : path) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (standsForItselfInUrl(byte)) {
-      url += character;
-    } else {
-      url += '%';
-      url += kDigits[byte >> 4];
-      url += kDigits[byte & 15];
-    }
-  }
-  return url;
-}
-
 // The bus library refuses a whole message for one of these, well-formed though they are.
 bool isNoncharacter(char32_t codePoint) {
   return (codePoint >= 0xFDD0 && codePoint <= 0xFDEF) || (codePoint & 0xFFFEU) == 0xFFFEU;
 }
 
-bool canBeSent(std::string_view path) {
+bool canBeSentAsText(std::string_view path) {
   if (!text::isValidUtf8(path)) return false;
   while (!path.empty()) {
     const text::DecodedCharacter character = text::decodeCharacter(path);
@@ -49,7 +28,8 @@ bool canBeSent(std::string_view path) {
   return true;
 }
 
-// The bus carries texts; a path may be any bytes.
+// The bus carries texts; a path may be any bytes. A relative one that is no text means nothing to
+// others.
 Value withSendablePaths(const Value& value) {
   const auto* paths = value.as<Array>();
   if (paths == nullptr) {
@@ -58,7 +38,11 @@ Value withSendablePaths(const Value& value) {
   Array sendable;
   for (const Value& path : *paths) {
     const auto* text = path.as<std::string>();
-    sendable.push_back(text != nullptr && !canBeSent(*text) ? Value(fileUrl(*text)) : path);
+    if (text == nullptr || canBeSentAsText(*text)) {
+      sendable.push_back(path);
+    } else if (auto url = text::fileUrlWithPath(*text, false)) {
+      sendable.push_back(*std::move(url));
+    }
   }
   return sendable;
 }

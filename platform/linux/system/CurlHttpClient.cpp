@@ -83,8 +83,7 @@ curl_socket_t openPrivateSocket(void*, curlsocktype, curl_sockaddr* address) {
 bool isHeaderName(std::string_view name) {
   constexpr std::string_view marks = "!#$%&'*+-.^_`|~";
   return !name.empty() && std::ranges::all_of(name, [marks](char each) {
-    return (each >= '0' && each <= '9') || (each >= 'A' && each <= 'Z') ||
-           (each >= 'a' && each <= 'z') || marks.find(each) != marks.npos;
+    return text::isAsciiLetterOrDigit(each) || marks.find(each) != marks.npos;
   });
 }
 

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/base/Text.h"
+
 namespace vornix {
 namespace {
-
-bool isLetter(char character) {
-  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-}
 
 // Takes a quoted text, which starts the pattern, off it. None when it does not end.
 std::optional<std::string> takeQuoted(std::string_view& pattern) {
@@ -44,7 +42,7 @@ std::optional<std::vector<DateField>> parseDatePattern(std::string_view pattern)
       continue;
     }
     const auto length = std::min(pattern.find_first_not_of(first), pattern.size());
-    if (!isLetter(first)) {
+    if (!text::isAsciiLetter(first)) {
       fields.push_back({0, 0, std::string(pattern.substr(0, length))});
     } else if (kFields.find(first) != std::string_view::npos) {
       fields.push_back({first, static_cast<int>(length), {}});

@@ -9,21 +9,14 @@
 namespace vornix {
 namespace {
 
-bool isLetter(char character) {
-  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-}
-
-bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 bool isLanguage(std::string_view text) {
-  return text.size() >= 2 && text.size() <= 8 && std::all_of(text.begin(), text.end(), isLetter);
+  return text.size() >= 2 && text.size() <= 8 &&
+         std::all_of(text.begin(), text.end(), text::isAsciiLetter);
 }
 
 bool isRegion(std::string_view text) {
-  return (text.size() == 2 && std::all_of(text.begin(), text.end(), isLetter)) ||
-         (text.size() == 3 && std::all_of(text.begin(), text.end(), isDigit));
+  return (text.size() == 2 && std::all_of(text.begin(), text.end(), text::isAsciiLetter)) ||
+         (text.size() == 3 && std::all_of(text.begin(), text.end(), text::isAsciiDigit));
 }
 
 // What stands before the first of the marks, taken off the text.

@@ -32,9 +32,7 @@ std::string unescaped(std::string_view piece) {
 }
 
 bool isPlain(char letter) {
-  const bool isLetter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
-  return isLetter || (letter >= '0' && letter <= '9') || letter == '.' || letter == '_' ||
-         letter == ':';
+  return text::isAsciiLetterOrDigit(letter) || letter == '.' || letter == '_' || letter == ':';
 }
 
 std::string escaped(std::string_view identifier) {
