@@ -18,6 +18,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 PRODUCT = ("agent", "analytics", "settings", "logging", "locations", "fs", "foundation",
            "platform", "tools")
+REAL_PLATFORM = ("platform", "linux")
 
 
 def product_commands(build):
@@ -84,15 +85,21 @@ def tidy(unit, sources, database):
 
 
 # Most of the time goes into the standard library's headers, so some sources share one reading of them.
-SOURCES_OF_A_UNIT = 6
+SOURCES_OF_A_UNIT = 12
+
+
+def part_of(source):
+    """What sources have in common that may be joined: a library; a program has a `main` of its own."""
+    parts = source.relative_to(ROOT).parts[:-1]
+    return parts[:2] if parts[0] == "tools" or parts[:2] == REAL_PLATFORM else parts[:1]
 
 
 def write_units(due, commands, folder):
-    """Answers each unit with its sources, which are of one folder and one compile command."""
+    """Answers each unit with its sources, which are of one part and one compile command."""
     groups = {}
     for source in sorted(due):
         command = commands[source]["command"].replace(str(source), "").split(" -o ")[0]
-        groups.setdefault((source.parent, command), []).append(source)
+        groups.setdefault((part_of(source), command), []).append(source)
     units, entries = {}, []
     for (_, command), sources in groups.items():
         for first in range(0, len(sources), SOURCES_OF_A_UNIT):
