@@ -17,19 +17,24 @@ bool isPlain(char letter) {
 
 }  // namespace
 
-std::optional<std::string> fileUrlWithPath(std::string_view path, bool isDirectory) {
-  if (!path.starts_with('/')) return std::nullopt;
-  std::string url(kScheme);
+std::string percentEscapedPath(std::string_view path) {
+  std::string escaped;
   for (const char letter : path) {
     if (isPlain(letter)) {
-      url += letter;
+      escaped += letter;
       continue;
     }
     const auto byte = static_cast<unsigned char>(letter);
-    url += '%';
-    url += kDigits[byte >> 4U];
-    url += kDigits[byte & 15U];
+    escaped += '%';
+    escaped += kDigits[byte >> 4U];
+    escaped += kDigits[byte & 15U];
   }
+  return escaped;
+}
+
+std::optional<std::string> fileUrlWithPath(std::string_view path, bool isDirectory) {
+  if (!path.starts_with('/')) return std::nullopt;
+  std::string url = std::string(kScheme) + percentEscapedPath(path);
   if (isDirectory && !url.ends_with('/')) url += '/';
   return url;
 }

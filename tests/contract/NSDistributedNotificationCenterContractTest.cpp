@@ -121,12 +121,12 @@ TEST(BusDistributedNotificationCenter, SendsAPathThatIsNoTextAsAFileUrl) {
             (Dictionary{{"Files", Array{"/plain", "file:///a%20%FF%25%C3%BC"}}}));
 }
 
-TEST(BusDistributedNotificationCenter, LeavesOutARelativePathThatIsNoText) {
+TEST(BusDistributedNotificationCenter, SendsARelativePathThatIsNoTextAsAFileUrlToo) {
   RealSession session;
   session.center().postNotificationName("n", "", {{"Files", Array{"a\xFF", "/b", "c"}}}, true);
   const auto heard = session.hear(1);
   ASSERT_THAT(heard, SizeIs(1));
-  EXPECT_EQ(heard[0].userInfo, (Dictionary{{"Files", Array{"/b", "c"}}}));
+  EXPECT_EQ(heard[0].userInfo, (Dictionary{{"Files", Array{"file://a%FF", "/b", "c"}}}));
 }
 
 TEST(BusDistributedNotificationCenter, SendsAPathWithACharacterThatTheBusRefusesAsAFileUrl) {

@@ -28,8 +28,7 @@ bool canBeSentAsText(std::string_view path) {
   return true;
 }
 
-// The bus carries texts; a path may be any bytes. A relative one that is no text means nothing to
-// others.
+// The bus carries texts; a path may be any bytes, and a relative one, too.
 Value withSendablePaths(const Value& value) {
   const auto* paths = value.as<Array>();
   if (paths == nullptr) {
@@ -38,11 +37,8 @@ Value withSendablePaths(const Value& value) {
   Array sendable;
   for (const Value& path : *paths) {
     const auto* text = path.as<std::string>();
-    if (text == nullptr || canBeSentAsText(*text)) {
-      sendable.push_back(path);
-    } else if (auto url = text::fileUrlWithPath(*text, false)) {
-      sendable.push_back(*std::move(url));
-    }
+    const bool isSendable = text == nullptr || canBeSentAsText(*text);
+    sendable.push_back(isSendable ? path : Value("file://" + text::percentEscapedPath(*text)));
   }
   return sendable;
 }
