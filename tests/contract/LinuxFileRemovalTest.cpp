@@ -14,6 +14,7 @@
 #include "tests/contract/support/FileWorld.h"
 #include "tests/contract/support/ForkedProcess.h"
 #include "tests/contract/support/InterceptedCalls.h"
+#include "tests/contract/support/OnVolume.h"
 #include "tests/contract/support/TreeText.h"
 
 namespace vornix::contract {
@@ -29,23 +30,11 @@ std::int64_t removalCode(const std::string& path) {
   return error ? error->code : 0;
 }
 
-class FileRemovalOn : public testing::TestWithParam<const char*> {};
-
-INSTANTIATE_TEST_SUITE_P(, FileRemovalOn, testing::Values("disk", "memory"),
-                         [](const auto& each) { return std::string(each.param); });
-
-// The story's items are in its folder "here", on the kind of volume that is asked for.
-FakeFileWorld::Outcome playOn(const std::string& volume,
-                              const std::function<void(LinuxFileWorld&)>& story) {
-  return LinuxFileWorld::play([&](LinuxFileWorld& world) {
-    world.folder("here");
-    if (volume == "memory") world.mount("here");
-    story(world);
-  });
-}
+class FileRemovalOn : public OnVolume {};
+VORNIX_ON_EVERY_VOLUME(FileRemovalOn);
 
 TEST_P(FileRemovalOn, TakesWhatAnotherProcessRemovesMeanwhileForRemoved) {
-  const auto outcome = playOn(GetParam(), [&](LinuxFileWorld& world) {
+  play([&](LinuxFileWorld& world) {
     for (int round = 0; round < 20; ++round) {
       for (int number = 0; number < 100; ++number)
         world.file("here/both/" + std::to_string(number % 10) + "/" + std::to_string(number));
@@ -62,11 +51,10 @@ TEST_P(FileRemovalOn, TakesWhatAnotherProcessRemovesMeanwhileForRemoved) {
       EXPECT_EQ(other.awaitEnd(), 0);
     }
   });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST_P(FileRemovalOn, TakesAFolderThatIsRemovedBeforeItIsReadForEmpty) {
-  const auto outcome = playOn(GetParam(), [&](LinuxFileWorld& world) {
+  play([&](LinuxFileWorld& world) {
     for (const char* name : {"here/top/a", "here/top/b", "here/top/c"})
       world.file(name + std::string("/file"));
     interceptCalls({SYS_getdents64}, [](const seccomp_data& call) {
@@ -75,12 +63,11 @@ TEST_P(FileRemovalOn, TakesAFolderThatIsRemovedBeforeItIsReadForEmpty) {
     });
     EXPECT_EQ(removalCode(world.path("here/top")), 0);
   });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST_P(FileRemovalOn, LooksOnceMoreIntoEachFolderThatIsFilledMeanwhile) {
   constexpr int kFolders = 150;
-  const auto outcome = playOn(GetParam(), [&](LinuxFileWorld& world) {
+  play([&](LinuxFileWorld& world) {
     for (int number = 0; number < kFolders; ++number)
       world.folder("here/top/" + std::to_string(number));
     std::set<std::string> filled;
@@ -95,7 +82,6 @@ TEST_P(FileRemovalOn, LooksOnceMoreIntoEachFolderThatIsFilledMeanwhile) {
     const std::lock_guard lock(mutex);
     EXPECT_EQ(filled.size(), kFolders + 1);
   });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST(LinuxFileRemoval, GivesUpOnAFolderThatIsFilledForever) {
@@ -109,7 +95,7 @@ TEST(LinuxFileRemoval, GivesUpOnAFolderThatIsFilledForever) {
 }
 
 TEST_P(FileRemovalOn, EmptiesTheFolderThatWasListedWhateverStandsAtItsPathThen) {
-  const auto outcome = playOn(GetParam(), [&](LinuxFileWorld& world) {
+  play([&](LinuxFileWorld& world) {
     for (const char* folder : {"here/folder", "here/other"}) {
       for (const char* name : {"/a", "/b", "/c/file"}) world.file(std::string(folder) + name);
     }
@@ -124,7 +110,6 @@ TEST_P(FileRemovalOn, EmptiesTheFolderThatWasListedWhateverStandsAtItsPathThen) 
     EXPECT_EQ(textOfTree(world.path("here/other")), other);
     EXPECT_TRUE(fs::is_empty(world.path("here/moved")));
   });
-  if (outcome == FakeFileWorld::Outcome::mayNotMount) GTEST_SKIP() << kMayNotMount;
 }
 
 TEST(LinuxFileRemoval, FindsNothingBelowACurrentFolderThatIsGone) {
@@ -187,7 +172,7 @@ TEST(LinuxFileRemoval, SaysThatAVolumeIsReadOnly) {
 
 TEST_P(FileRemovalOn, RemovesAnUnreadableFolderOnlyWhenItIsEmpty) {
   if (geteuid() != 0) GTEST_SKIP() << "NOT TESTED: only root can become somebody else";
-  playOn(GetParam(), [&](LinuxFileWorld& world) {
+  play([&](LinuxFileWorld& world) {
     world.file("here/full/unreadable/file");
     world.folder("here/empty/unreadable");
     world.folder("here/top");
@@ -204,7 +189,7 @@ TEST_P(FileRemovalOn, RemovesAnUnreadableFolderOnlyWhenItIsEmpty) {
 
 TEST_P(FileRemovalOn, LeavesOtherPeoplesItemsInAStickyFolder) {
   if (geteuid() != 0) GTEST_SKIP() << "NOT TESTED: only root can become somebody else";
-  playOn(GetParam(), [&](LinuxFileWorld& world) {
+  play([&](LinuxFileWorld& world) {
     world.file("here/sticky/foreign");
     world.folder("here/others");
     world.forbidChangesIn("here/others");

@@ -16,7 +16,7 @@ from support.session import Session
 
 PROGRAM = tree.BUILD / "e2e" / "prefix" / "libexec" / "vornix" / "vornix-open"
 IDENTIFIER = "com.orvane.Vornix3"
-# Tells in one file a start how it was started; stays only while there is a file "stay".
+# Tells in one file a start how it was started; stays as long as a pipe "stay" is held open for it.
 STAND_IN = """#!/usr/bin/python3 -S
 import json, os, sys, time
 report = {
@@ -30,8 +30,9 @@ path = f"%(reports)s/{time.monotonic_ns()}.{os.getpid()}"
 with open(path + ".part", "w") as file:
     json.dump(report, file)
 os.rename(path + ".part", path + ".json")
-while os.path.exists("%(stay)s"):
-    time.sleep(0.02)
+if os.path.exists("%(stay)s"):
+    with open("%(stay)s") as held:
+        held.read()
 """
 MANAGER = "org.freedesktop.systemd1"
 MANAGER_INTERFACES = """<node>
@@ -104,8 +105,12 @@ class Base(unittest.TestCase):
         self.addCleanup(self._end)
 
     def _end(self):
-        self.stay.unlink(missing_ok=True)
         self.assertEqual(self.session.end(), {}, "processes were left behind")
+
+    def hold_starts(self):
+        """Lets what is started stay until the test is over."""
+        os.mkfifo(self.stay)
+        self.addCleanup(os.close, os.open(self.stay, os.O_RDWR))
 
     def write_program(self, path):
         path.parent.mkdir(exist_ok=True)
@@ -257,7 +262,7 @@ class VornixOpen(Base):
 
     def test_does_not_wait_for_the_application_which_stands_on_its_own(self):
         self.install("%F")
-        self.stay.touch()
+        self.hold_starts()
         self.open_well("-b", IDENTIFIER)
         (start,) = self.starts()
         self.assertFalse(is_gone(start["process"]))
@@ -269,7 +274,7 @@ class VornixOpen(Base):
 
     def test_starts_a_second_one_of_a_running_application(self):
         self.install("%F")
-        self.stay.touch()
+        self.hold_starts()
         self.open_well("-b", IDENTIFIER)
         self.open_well("-b", IDENTIFIER)
         first, second = self.starts(2)
